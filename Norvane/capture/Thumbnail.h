@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSizeF>
+#include <optional>
+
+// The size of an image and a small PNG of it. Any thread.
+struct Thumbnail {
+    QSizeF pixelSize{0, 0}; // of the whole image as it lies in the file, before its orientation; 0 × 0 when unknown
+    std::optional<QByteArray> png;
+};
+
+// The longer side of the PNG is at most maxPixels; a smaller image is not enlarged. Orientation is applied.
+[[nodiscard]] Thumbnail makeThumbnail(const QByteArray &imageBytes, int maxPixels);

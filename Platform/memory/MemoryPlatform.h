@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Platform/Platform.h"
+#include "Platform/memory/MemoryPasteboard.h"
+
+#include <QHash>
+#include <QVariant>
