@@ -1,13 +1,12 @@
 #include "Platform/linux/dbus/InstanceBus.h"
 
+#include "Platform/linux/dbus/BusProbe.h"
 #include "Platform/linux/dbus/InstanceActions.h"
 #include "Platform/linux/dbus/OpenApplication.h"
 
 #include <QDBusConnectionInterface>
 #include <QFileInfo>
 #include <QTimer>
-#include <future>
-#include <thread>
 
 namespace {
 
@@ -29,32 +28,16 @@ QString busAddress()
     return QStringLiteral("unix:path=") + QString::fromLatin1(socket.toUtf8().toPercentEncoding("/"));
 }
 
-// Connecting has no time limit of its own: a thread waits for a bus that hangs, and we go on without both.
-std::optional<QDBusConnection> connectWithinLimit(const QString &address, const QString &connectionName)
-{
-    auto connected = std::make_shared<std::promise<void>>();
-    auto future = connected->get_future();
-    std::thread([address, connectionName, connected] {
-        QDBusConnection::connectToBus(address, connectionName);
-        connected->set_value();
-    }).detach();
-    if (future.wait_for(std::chrono::milliseconds(instanceAnswerLimit)) != std::future_status::ready)
-        return std::nullopt;
-    const QDBusConnection connection(connectionName);
-    return connection.isConnected() ? std::optional(connection) : std::nullopt;
-}
-
 } // namespace
 
 std::unique_ptr<InstanceBus> InstanceBus::connect(const QString &displayName)
 {
     static int connections = 0;
     const QString address = busAddress();
-    if (address.isEmpty())
+    if (address.isEmpty() || !busAnswers(address, instanceAnswerLimit))
         return nullptr;
-    const auto connection =
-        connectWithinLimit(address, QStringLiteral("norvane-instance-%1").arg(++connections));
-    return connection ? std::unique_ptr<InstanceBus>(new InstanceBus(*connection, displayName)) : nullptr;
+    const auto bus = QDBusConnection::connectToBus(address, QStringLiteral("norvane-%1").arg(++connections));
+    return bus.isConnected() ? std::unique_ptr<InstanceBus>(new InstanceBus(bus, displayName)) : nullptr;
 }
 
 InstanceBus::InstanceBus(const QDBusConnection &busConnection, const QString &displayName)

@@ -50,7 +50,7 @@ private:
     QProcess process;
 };
 
-enum class Way { bus, runtimeFolder, cacheFolder, deadBus };
+enum class Way { bus, runtimeFolder, cacheFolder, deadBus, hungBus };
 
 // Every way to the running instance, with folders of the test's own.
 class InstanceTest : public ::testing::TestWithParam<Way> {
@@ -63,11 +63,14 @@ protected:
         const bool isOpen =
             GetParam() == Way::cacheFolder; // a runtime folder that others can enter is not used
         QFile::setPermissions(folder.filePath("run"), isOpen ? owner | QFile::ExeOther : owner);
+        ASSERT_TRUE(hungBus.listen(folder.filePath("hung"))); // takes every caller, answers none
         environment.insert("XDG_RUNTIME_DIR", folder.filePath("run"));
         environment.insert("XDG_CACHE_HOME", folder.filePath("cache"));
         environment.insert("HOME", folder.filePath("home"));
         if (GetParam() == Way::deadBus)
             environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder.filePath("nothing"));
+        else if (GetParam() == Way::hungBus)
+            environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + hungBus.fullServerName());
         else if (GetParam() != Way::bus)
             environment.remove("DBUS_SESSION_BUS_ADDRESS");
     }
@@ -76,18 +79,20 @@ protected:
     {
         EXPECT_FALSE(QFile::exists(folder.filePath("home/.dbus"))) << "a bus was started";
         const bool hasSocket = !QDir(folder.filePath("run")).entryList({"norvane-*"}, QDir::System).isEmpty();
-        EXPECT_EQ(hasSocket, GetParam() == Way::runtimeFolder || GetParam() == Way::deadBus);
+        EXPECT_EQ(hasSocket, GetParam() != Way::bus && GetParam() != Way::cacheFolder);
         EXPECT_EQ(QFile::exists(folder.filePath("cache/norvane")), GetParam() == Way::cacheFolder);
     }
 
     QString ask(const QString &action) const { return Probe(environment, {"ask", action}).nextLine(); }
 
     QTemporaryDir folder;
+    QLocalServer hungBus;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 };
 
 INSTANTIATE_TEST_SUITE_P(Ways, InstanceTest,
-                         ::testing::Values(Way::bus, Way::runtimeFolder, Way::cacheFolder, Way::deadBus));
+                         ::testing::Values(Way::bus, Way::runtimeFolder, Way::cacheFolder, Way::deadBus,
+                                           Way::hungBus));
 
 TEST_P(InstanceTest, TheSecondStartIsRefusedAndReachesTheFirst)
 {
@@ -145,6 +150,23 @@ TEST_P(InstanceTest, EachDisplayHasItsInstance)
     EXPECT_EQ(Probe(environment, {"claim"}).nextLine(), "refused");
     EXPECT_EQ(ask("hide"), "answered");
     EXPECT_EQ(first.nextLine(), "hide");
+}
+
+class HungBusTest : public InstanceTest {};
+
+INSTANTIATE_TEST_SUITE_P(HungBus, HungBusTest, ::testing::Values(Way::hungBus));
+
+TEST_P(HungBusTest, ABusThatHangsIsLeftAloneAndKeepsNoProcess)
+{
+    Probe first(environment, {"claim"});
+    ASSERT_EQ(first.nextLine(), "claimed");
+    QProcess asker;
+    asker.setProcessEnvironment(environment);
+    asker.start(QStringLiteral(INSTANCE_PROBE), {"ask", "show"});
+    EXPECT_TRUE(asker.waitForFinished(10000));
+    EXPECT_EQ(asker.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(asker.readAllStandardOutput().trimmed(), "answered");
+    EXPECT_EQ(first.nextLine(), "show");
 }
 
 class DesktopCallTest : public InstanceTest {
