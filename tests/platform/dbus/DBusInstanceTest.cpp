@@ -91,8 +91,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Ways, InstanceTest,
-                         ::testing::Values(Way::bus, Way::runtimeFolder, Way::cacheFolder, Way::deadBus,
-                                           Way::hungBus));
+                         ::testing::Values(Way::bus, Way::runtimeFolder, Way::cacheFolder, Way::deadBus));
 
 TEST_P(InstanceTest, TheSecondStartIsRefusedAndReachesTheFirst)
 {
