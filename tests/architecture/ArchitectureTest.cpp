@@ -103,6 +103,7 @@ TEST(Architecture, FileOutsideEveryRoomIsAFault)
     EXPECT_FALSE(faultsOf(u"Platform/linux/Shared.h"_s, u"#pragma once\n"_s).isEmpty());
     EXPECT_EQ(roomOf(u"Norvane/main.cpp"_s), u"Norvane/main.cpp"_s);
     EXPECT_EQ(roomOf(u"Norvane/AppDelegate.cpp"_s), u"Norvane"_s);
+    EXPECT_EQ(roomOf(u"Platform/linux/x11/XcbConnection.h"_s), u"Platform/linux/x11"_s);
     EXPECT_EQ(roomOf(u"tests/store/support/Scratch.h"_s), u"tests"_s);
 }
 

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 struct Room {
     const char *name;
-    const char *mayName; // rooms, separated by spaces; a room may always name itself
+    const char *mayName; // rooms, separated by spaces; a room may always name itself, "*" is every room
 };
 
 // The longest name that a path begins with is its room; a folder that no line names has to find its place
@@ -19,14 +19,8 @@ struct Room {
 constexpr std::array rooms{
     Room{"Platform", ""},
     Room{"Platform/memory", "Platform"},
-    Room{"Platform/linux/x11", "Platform"},
-    Room{"Platform/linux/dbus", "Platform"},
-    Room{"Platform/linux/xdg", "Platform"},
-    Room{"Platform/linux/tesseract", "Platform"},
-    Room{"Platform/linux/llm", "Platform"},
-    Room{"Platform/linux/wayland", "Platform"},
-    Room{"Platform/linux/compose", "Platform Platform/linux/x11 Platform/linux/dbus Platform/linux/xdg "
-                                   "Platform/linux/tesseract Platform/linux/llm Platform/linux/wayland"},
+    Room{"Platform/linux/*", "Platform"}, // each folder a room of its own
+    Room{"Platform/linux/compose", "Platform Platform/linux/*"},
     Room{"Vesmo", "Platform"},
     Room{"Norvane/store", "Vesmo Platform"},
     Room{"Norvane/app", "Norvane/store Vesmo Platform"},
@@ -70,34 +64,51 @@ bool holds(const QString &room, const QString &path)
 {
     if (room == u"Norvane" || room == u"Platform")
         return path.section(u'/', 0, -2) == room;
+    if (room.endsWith(u"/*"))
+        return path.startsWith(room.chopped(1)) && path.count(u'/') > room.count(u'/');
     return isBelow(path, room);
 }
 
-std::optional<Room> findRoom(const QString &path)
+struct Place {
+    QString room; // its name: that of the folder where the table has one line for many
+    QStringList mayName;
+};
+
+std::optional<Place> findPlace(const QString &path)
 {
-    std::optional<Room> best;
+    std::optional<Place> best;
     for (const Room &room : rooms) {
         const QString name = QLatin1String(room.name);
-        if (holds(name, path) && (!best || name.size() > QLatin1String(best->name).size()))
-            best = room;
+        if (!holds(name, path))
+            continue;
+        const QString own = name.endsWith(u"/*") ? path.section(u'/', 0, name.count(u'/')) : name;
+        if (!best || own.size() >= best->room.size())
+            best = Place{own, QString::fromLatin1(room.mayName).split(u' ', Qt::SkipEmptyParts)};
     }
     return best;
 }
 
-// What an include of `target` in a file of `room` breaks, or nothing.
-QString includeFault(const Room &room, const QString &target)
+bool mayName(const Place &place, const QString &room)
+{
+    return room == place.room ||
+           std::any_of(place.mayName.begin(), place.mayName.end(), [&](const QString &allowed) {
+               return allowed == u"*" || allowed == room ||
+                      (allowed.endsWith(u"/*") && room.startsWith(allowed.chopped(1)));
+           });
+}
+
+// What an include of `target` in a file of `place` breaks, or nothing.
+QString includeFault(const Place &place, const QString &target)
 {
     static const QRegularExpression generated(u"(^|/)(moc_\\w+\\.cpp|\\w+\\.moc|ui_\\w+\\.h)$"_s);
     if (generated.match(target).hasMatch())
         return {};
-    const auto other = findRoom(target);
+    const auto other = findPlace(target);
     if (!other)
         return u"\"%1\" is in no room: name it from the root of the sources"_s.arg(target);
-    const QStringList allowed = QString::fromLatin1(room.mayName).split(u' ', Qt::SkipEmptyParts);
-    const QString name = QLatin1String(other->name);
-    if (name == QLatin1String(room.name) || allowed.contains(u"*"_s) || allowed.contains(name))
+    if (mayName(place, other->room))
         return {};
-    return u"%1 may not name %2 (\"%3\")"_s.arg(QLatin1String(room.name), name, target);
+    return u"%1 may not name %2 (\"%3\")"_s.arg(place.room, other->room, target);
 }
 
 bool startsWithOurs(const QString &target)
@@ -126,15 +137,15 @@ QString wordFault(const QString &path, const QString &line)
 
 QString roomOf(const QString &path)
 {
-    const auto room = findRoom(path);
-    return room ? QString(QLatin1String(room->name)) : QString();
+    const auto place = findPlace(path);
+    return place ? place->room : QString();
 }
 
 QStringList faultsOf(const QString &path, const QString &text)
 {
     static const QRegularExpression include(u"^\\s*#\\s*include\\b\\s*(?:\"([^\"]*)\"|<([^>]*)>|(.*))"_s);
-    const auto room = findRoom(path);
-    if (!room)
+    const auto place = findPlace(path);
+    if (!place)
         return {u"%1: in no room; give its folder a line in tests/architecture/Arrows.cpp"_s.arg(path)};
 
     QStringList faults;
@@ -151,7 +162,7 @@ QStringList faultsOf(const QString &path, const QString &text)
         if (!match.captured(3).isEmpty())
             report(u"an include that is computed cannot be checked"_s);
         else if (!match.captured(1).isEmpty() || startsWithOurs(match.captured(2)))
-            report(includeFault(*room, match.captured(1) + match.captured(2)));
+            report(includeFault(*place, match.captured(1) + match.captured(2)));
     }
     return faults;
 }
