@@ -2,6 +2,7 @@
 
 #include "Norvane/app/Shortcut.h"
 
+#include <QObject>
 #include <functional>
 
 class HotKeys;
@@ -12,8 +13,8 @@ public:
     GlobalHotKey(HotKeys &hotKeys, const KeyboardLayout &layout);
     ~GlobalHotKey();
 
-    // Replaces the one registered before. False when the desktop refused it, which is logged; the one before is
-    // not registered any more then.
+    // Replaces the one registered before. False when the desktop refused it, which is logged; the one before
+    // is not registered any more then.
     bool registerShortcut(const Shortcut &shortcut);
     void unregister();
 
@@ -22,4 +23,5 @@ public:
 private:
     HotKeys &hotKeys;
     const KeyboardLayout &layout;
+    QObject context; // drops a queued press when this dies
 };

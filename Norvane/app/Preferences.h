@@ -13,15 +13,17 @@ enum class PopupPosition { caret, mouse, center };
 
 // Every setting of the user. Main thread.
 //
-// A setter stores the value, emits `willChange` before and the setting's own signal after, and then writes it to
-// the user defaults. Values are taken as stored, without a range check.
+// A setter stores the value, emits `willChange` before and the setting's own signal after, and then writes it
+// to the user defaults. Values are taken as stored, without a range check.
 class Preferences : public QObject {
     Q_OBJECT
 
 public:
     explicit Preferences(UserDefaults &defaults);
 
-    // The one instance of the program, made on first use from the defaults given to `setSharedDefaults`.
+    // The one instance of the program, made on first use from the defaults given to `setSharedDefaults`,
+    // which must be called before and whose defaults must live as long. Given anew (by tests), a new instance
+    // is made.
     static Preferences &shared();
     static void setSharedDefaults(UserDefaults &defaults);
 
@@ -69,6 +71,11 @@ Q_SIGNALS:
     void recordingShortcutChanged(bool value);
 
 private:
+    template <typename Value>
+    void change(Value &field, const Value &value, void (Preferences::*changed)(Value));
+    template <typename Value>
+    void change(Value &field, const Value &value, void (Preferences::*changed)(const Value &));
+
     UserDefaults &defaults_;
     Shortcut shortcut_;
     qint64 maxItems_ = 500;

@@ -15,7 +15,8 @@ struct Shortcut {
     bool operator==(const Shortcut &) const = default;
 };
 
-// For the user: the modifiers in the order Control, Option, Shift, Command, then the key's name on this layout.
+// For the user: the modifiers in the order Control, Option, Shift, Command, then the key's name on this
+// layout.
 [[nodiscard]] QString displayString(const Shortcut &shortcut, const KeyboardLayout &layout);
 [[nodiscard]] QString keyName(quint32 keyCode, const KeyboardLayout &layout);
 

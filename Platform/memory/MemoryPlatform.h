@@ -2,6 +2,6 @@
 
 #include "Platform/Platform.h"
 #include "Platform/memory/MemoryPasteboard.h"
+#include "Platform/memory/MemoryUserDefaults.h"
 
 #include <QHash>
-#include <QVariant>

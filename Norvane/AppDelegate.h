@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Norvane/app/GlobalHotKey.h"
+#include "Platform/Platform.h"
+
+#include <QObject>
+#include <QTimer>
+#include <memory>
+
+class ClipboardMonitor;
+class ClipStore;
+class PasteService;
+class PopupController;
+class Preferences;
+struct CapturedClip;
+
+// Owns every long-lived object for the life of the process and wires them; no logic of its own. Main thread.
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    // `dataFolder` holds the history. The platform outlives this.
+    AppDelegate(Platform &platform, Preferences &prefs, const QString &dataFolder);
+    ~AppDelegate() override;
+
+    // Builds everything in its order and starts recording.
+    void finishLaunching();
+
+    // Opens the panel with everything copied until now in it; brings it forward when it is open.
+    void showPopup();
+    void hidePopup();
+    void togglePopup();
+
+    // What another start or the desktop asks for: "show", "hide", "toggle".
+    void perform(const QString &action);
+
+private:
+    void watchPreferences();
+    void registerHotKey();
+    void handleCapture(const CapturedClip &capture);
+    void explainMissingKeys();
+
+    Platform &platform;
+    Preferences &prefs;
+    QString dataFolder;
+    std::unique_ptr<ClipStore> store;
+    std::unique_ptr<ClipboardMonitor> monitor;
+    std::unique_ptr<PopupController> popup;
+    std::unique_ptr<PasteService> pasteService;
+    GlobalHotKey hotKey;
+    QTimer trimming;
+    QTimer showing; // running while the panel waits for the last copy to arrive
+};

@@ -1,0 +1,168 @@
+#include "Norvane/ClipTitles.h"
+
+#include "Norvane/store/ClipStore.h"
+#include "Vesmo/Localisation.h"
+#include "Vesmo/Text.h"
+
+#include <QLocale>
+#include <QStringList>
+#include <array>
+#include <unicode/reldatefmt.h>
+
+namespace {
+
+constexpr double justNow = 45; // seconds
+constexpr int namesShown = 4;
+
+bool isLineBreak(QChar c)
+{
+    return (c >= u'\n' && c <= u'\r') || c == u'\u0085' || c == u'\u2028' || c == u'\u2029';
+}
+
+// The beginning of a text without leading white space, its tabs widened.
+QString head(QStringView text, qsizetype limit)
+{
+    qsizetype start = 0;
+    while (start < text.size() && text[start].isSpace())
+        ++start;
+    const QStringView rest = text.mid(start);
+    return rest.left(lengthOfClusters(rest, limit)).toString().replace(u'\t', QStringLiteral("  "));
+}
+
+QString joinedLines(const QString &text)
+{
+    QStringList lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        if (i < text.size() && !isLineBreak(text[i]))
+            continue;
+        if (i > start)
+            lines << text.mid(start, i - start);
+        start = i + 1;
+    }
+    return lines.join(QStringLiteral(" ⏎ "));
+}
+
+QString fileNames(const QString &paths)
+{
+    QStringList names;
+    qsizetype count = 0;
+    for (const auto path : QStringView(paths).tokenize(u'\n', Qt::SkipEmptyParts)) {
+        if (count++ < namesShown) {
+            const QStringView trimmed = path.endsWith(u'/') && path.size() > 1 ? path.chopped(1) : path;
+            const QStringView name = trimmed.mid(trimmed.lastIndexOf(u'/') + 1);
+            names << (name.isEmpty() ? trimmed : name).toString();
+        }
+    }
+    if (count == 1)
+        return names.first();
+    return L("%@ file: ", count) + names.join(QStringLiteral(", "));
+}
+
+QString imageMeasures(const Clip &clip)
+{
+    return L("Immagine %@×%@", static_cast<qint64>(clip.pixelSize.width()),
+             static_cast<qint64>(clip.pixelSize.height()));
+}
+
+bool hasRecognizedText(const Clip &clip)
+{
+    return clip.recognizedText && !clip.recognizedText->isEmpty();
+}
+
+QString rawTitle(const Clip &clip, qsizetype maxLength)
+{
+    switch (clip.kind) {
+    case ClipKind::files:
+        return fileNames(clip.text);
+    case ClipKind::image:
+        return hasRecognizedText(clip) ? head(*clip.recognizedText, 2 * maxLength) : imageMeasures(clip);
+    case ClipKind::text:
+    case ClipKind::richText:
+        break;
+    }
+    return head(clip.text, 2 * maxLength);
+}
+
+const icu::RelativeDateTimeFormatter *relativeFormatter()
+{
+    static const auto formatter = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Locale locale(AppLanguage::locale().name().toLatin1().constData());
+        auto made = std::make_unique<icu::RelativeDateTimeFormatter>(locale, nullptr, UDAT_STYLE_SHORT,
+                                                                     UDISPCTX_CAPITALIZATION_NONE, status);
+        return U_SUCCESS(status) ? std::move(made) : nullptr;
+    }();
+    return formatter.get();
+}
+
+} // namespace
+
+QString titleText(const Clip &clip, qsizetype maxLength)
+{
+    QString title = joinedLines(rawTitle(clip, maxLength));
+    const qsizetype length = lengthOfClusters(title, maxLength);
+    if (length < title.size())
+        title = title.left(length) + u'…';
+    return title;
+}
+
+QString detailText(const Clip &clip)
+{
+    QStringList parts;
+    if (clip.appName)
+        parts << *clip.appName;
+    parts << relativeTime(clip.created);
+    if (clip.kind == ClipKind::text || clip.kind == ClipKind::richText)
+        parts << L("%@ caratteri", clusterCount(clip.text));
+    else if (clip.kind == ClipKind::image && hasRecognizedText(clip))
+        parts << imageMeasures(clip);
+    else
+        parts << byteCountText(clip.size);
+    return parts.join(QStringLiteral(" · "));
+}
+
+QString relativeTime(double date)
+{
+    const double passed = secondsSinceReferenceDate() - date;
+    const auto *formatter = relativeFormatter();
+    if (passed < justNow || !formatter)
+        return L("adesso");
+
+    struct Unit {
+        double seconds;
+        URelativeDateTimeUnit unit;
+    };
+    static constexpr std::array units = {
+        Unit{365.0 * 86400, UDAT_REL_UNIT_YEAR}, Unit{30.0 * 86400, UDAT_REL_UNIT_MONTH},
+        Unit{7.0 * 86400, UDAT_REL_UNIT_WEEK},   Unit{86400, UDAT_REL_UNIT_DAY},
+        Unit{3600, UDAT_REL_UNIT_HOUR},          Unit{60, UDAT_REL_UNIT_MINUTE},
+        Unit{1, UDAT_REL_UNIT_SECOND},
+    };
+    const auto &largest = *std::find_if(units.begin(), units.end() - 1,
+                                        [passed](const Unit &unit) { return passed >= unit.seconds; });
+    icu::UnicodeString text;
+    UErrorCode status = U_ZERO_ERROR;
+    formatter->formatNumeric(-std::floor(passed / largest.seconds), largest.unit, text, status);
+    if (U_FAILURE(status))
+        return L("adesso");
+    return QString::fromUtf16(text.getBuffer(), text.length());
+}
+
+QString byteCountText(qint64 bytes)
+{
+    if (bytes == 1)
+        return L("1 byte");
+    if (bytes < 1000)
+        return L("%@ byte", bytes);
+    static constexpr std::array unitNames = {"kB", "MB", "GB", "TB", "PB"};
+    double value = static_cast<double>(bytes) / 1000;
+    size_t unit = 0;
+    // 999,950 bytes are 1.0 MB, not 1,000 kB: the step up is taken where rounding would reach it.
+    while (value >= 999.5 && unit + 1 < unitNames.size()) {
+        value /= 1000;
+        ++unit;
+    }
+    const int decimals = unit == 0 ? 0 : unit == 1 ? 1 : 2;
+    return AppLanguage::locale().toString(value, 'f', decimals) + u' ' + QLatin1StringView(unitNames[unit]);
+}

@@ -1,0 +1,337 @@
+#include "Norvane/ClipViews.h"
+
+#include "Norvane/ClipIcons.h"
+#include "Norvane/ClipTitles.h"
+#include "Norvane/Palette.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScrollBar>
+
+using Metrics::scaled;
+
+namespace {
+
+constexpr int rowSpacing = 2;
+constexpr int pageRows = 8;
+
+// Where the parts of a row stand, in points.
+constexpr qreal rowInset = 6, indexLeading = 2, indexWidth = 16, iconGap = 4, iconSize = 32, titleGap = 9,
+                textTop = 5, textBottom = 5, pinTrailing = 8, pinTop = 7, pinWidth = 12, titlePinGap = 6,
+                appIconSize = 13, detailGap = 4, detailTrailing = 8, iconRadius = 4, selectionRadius = 7;
+
+void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool rounded)
+{
+    if (icon.isNull())
+        return;
+    const QSizeF size = icon.deviceIndependentSize();
+    const QRectF target(frame.center().x() + 0.5 - size.width() / 2, frame.center().y() + 0.5 - size.height() / 2,
+                        size.width(), size.height());
+    painter->save();
+    if (rounded) {
+        QPainterPath path;
+        path.addRoundedRect(target, scaled(iconRadius), scaled(iconRadius));
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setClipPath(path);
+    }
+    painter->drawPixmap(target.toRect(), icon);
+    painter->restore();
+}
+
+void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font, const QColor &color)
+{
+    painter->setFont(font);
+    painter->setPen(color);
+    const QString elided = QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width());
+    painter->drawText(frame, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, elided);
+}
+
+} // namespace
+
+ClipCellView::ClipCellView(ClipIcons &clipIcons, const ClipListModel &listModel, QObject *parent)
+    : QStyledItemDelegate(parent), icons(clipIcons), model(listModel)
+{
+}
+
+int ClipCellView::rowHeight(ClipKind kind)
+{
+    return scaled(kind == ClipKind::image ? 48 : 44);
+}
+
+QSize ClipCellView::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const ClipPointer clip = model.clipAt(index.row());
+    return {option.rect.width(), rowHeight(clip ? clip->kind : ClipKind::text)};
+}
+
+void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const ClipPointer clip = model.clipAt(index.row());
+    if (!clip)
+        return;
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    const QColor label = selected ? Palette::onAccent(option.palette) : Palette::label(option.palette);
+    QColor secondary = selected ? label : Palette::secondary(option.palette);
+    if (selected)
+        secondary.setAlphaF(0.82F);
+    const qreal scale = painter->device()->devicePixelRatioF();
+    const QRect row = option.rect.adjusted(scaled(rowInset), 0, -scaled(rowInset), 0);
+
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    if (selected) {
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(Palette::accent(option.palette));
+        painter->drawRoundedRect(row, scaled(selectionRadius), scaled(selectionRadius));
+    }
+
+    const QRect number(row.left() + scaled(indexLeading), row.top(), scaled(indexWidth), row.height());
+    if (index.row() < 9) {
+        painter->setFont(Metrics::font(11));
+        painter->setPen(secondary);
+        painter->drawText(number, Qt::AlignCenter, QString::number(index.row() + 1));
+    }
+
+    const int side = scaled(iconSize);
+    const QRect icon(number.right() + 1 + scaled(iconGap), row.top() + (row.height() - side) / 2, side, side);
+    drawIcon(painter, icon, icons.kindIcon(*clip, side, secondary, scale), clip->kind == ClipKind::image);
+
+    const int pinSpace = clip->pinned ? scaled(pinWidth + titlePinGap) : 0;
+    const int textLeft = icon.right() + 1 + scaled(titleGap);
+    const QFont titleFont = Metrics::font(13);
+    const QFont detailFont = Metrics::font(11);
+    const QRect titleFrame(textLeft, row.top() + scaled(textTop), row.right() - scaled(pinTrailing) - pinSpace - textLeft,
+                           QFontMetrics(titleFont).height());
+    drawText(painter, titleFrame, titleText(*clip, listTitleLength), titleFont, label);
+
+    const int detailHeight = QFontMetrics(detailFont).height();
+    QRect detailFrame(textLeft, row.bottom() + 1 - scaled(textBottom) - detailHeight,
+                      row.right() - scaled(detailTrailing) - textLeft, detailHeight);
+    const int appSide = scaled(appIconSize);
+    const QPixmap appIcon = icons.appIcon(clip->appID, appSide, scale);
+    if (!appIcon.isNull()) {
+        drawIcon(painter, {detailFrame.left(), detailFrame.center().y() - appSide / 2, appSide, appSide}, appIcon, false);
+        detailFrame.setLeft(detailFrame.left() + appSide + scaled(detailGap));
+    }
+    drawText(painter, detailFrame, detailText(*clip), detailFont, secondary);
+
+    if (clip->pinned) {
+        const int pinSide = scaled(pinWidth);
+        const QRect pin(row.right() + 1 - scaled(pinTrailing) - pinSide, row.top() + scaled(pinTop), pinSide, pinSide);
+        drawIcon(painter, pin,
+                 icons.symbol(QStringLiteral("pin-fill"), pinSide, selected ? label : Palette::orange(), scale), false);
+    }
+    painter->restore();
+}
+
+ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *parent) : QListView(parent), clips(model)
+{
+    setModel(&model);
+    setItemDelegate(new ClipCellView(icons, model, this));
+    setFrameShape(QFrame::NoFrame);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(ScrollPerPixel);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    setMouseTracking(false);
+    connect(&icons, &ClipIcons::iconsChanged, viewport(), qOverload<>(&QWidget::update));
+}
+
+int ClipTableView::selectedRow() const
+{
+    const auto rows = selectionModel()->selectedIndexes();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void ClipTableView::selectRow(int row)
+{
+    const int count = clips.rowCount();
+    if (count == 0)
+        return;
+    const QModelIndex index = clips.index(std::clamp(row, 0, count - 1));
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    scrollTo(index, EnsureVisible);
+}
+
+void ClipTableView::measureRows()
+{
+    rowTops.resize(static_cast<size_t>(clips.rowCount()) + 1);
+    const int textHeight = ClipCellView::rowHeight(ClipKind::text) + rowSpacing;
+    const int imageHeight = ClipCellView::rowHeight(ClipKind::image) + rowSpacing;
+    int top = rowSpacing;
+    size_t row = 0;
+    for (const auto &clip : clips.results()) {
+        rowTops[row++] = top;
+        top += clip->kind == ClipKind::image ? imageHeight : textHeight;
+    }
+    rowTops[row] = top;
+}
+
+int ClipTableView::rowAt(int y) const
+{
+    if (y < rowTops.front() || y >= rowTops.back())
+        return -1;
+    const auto after = std::upper_bound(rowTops.begin(), rowTops.end(), y);
+    return static_cast<int>(after - rowTops.begin()) - 1;
+}
+
+QRect ClipTableView::visualRect(const QModelIndex &index) const
+{
+    const auto row = static_cast<size_t>(index.row());
+    if (!index.isValid() || row + 1 >= rowTops.size())
+        return {};
+    return {0, rowTops[row] - verticalOffset(), viewport()->width(), rowTops[row + 1] - rowTops[row] - rowSpacing};
+}
+
+QModelIndex ClipTableView::indexAt(const QPoint &point) const
+{
+    return clips.index(rowAt(point.y() + verticalOffset()));
+}
+
+void ClipTableView::scrollTo(const QModelIndex &index, ScrollHint hint)
+{
+    const QRect rect = visualRect(index);
+    if (!rect.isValid())
+        return;
+    const int height = viewport()->height();
+    QScrollBar *bar = verticalScrollBar();
+    if (hint == PositionAtTop || rect.top() < rowSpacing)
+        bar->setValue(bar->value() + rect.top() - rowSpacing);
+    else if (hint == PositionAtBottom || rect.bottom() + rowSpacing >= height)
+        bar->setValue(bar->value() + rect.bottom() + 1 + rowSpacing - height);
+    else if (hint == PositionAtCenter)
+        bar->setValue(bar->value() + rect.center().y() - height / 2);
+}
+
+void ClipTableView::doItemsLayout()
+{
+    measureRows();
+    setState(NoState);
+    updateGeometries();
+    viewport()->update();
+}
+
+void ClipTableView::reset()
+{
+    QAbstractItemView::reset();
+    measureRows();
+    updateGeometries();
+    verticalScrollBar()->setValue(0);
+}
+
+int ClipTableView::verticalOffset() const
+{
+    return verticalScrollBar()->value();
+}
+
+QModelIndex ClipTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers)
+{
+    const int row = currentIndex().row();
+    const int last = clips.rowCount() - 1;
+    int target = row;
+    switch (action) {
+    case MoveUp:
+    case MovePrevious:
+    case MoveLeft:
+        target = row - 1;
+        break;
+    case MoveDown:
+    case MoveNext:
+    case MoveRight:
+        target = row + 1;
+        break;
+    case MovePageUp:
+        target = row - pageRows;
+        break;
+    case MovePageDown:
+        target = row + pageRows;
+        break;
+    case MoveHome:
+        target = 0;
+        break;
+    case MoveEnd:
+        target = last;
+        break;
+    }
+    return last < 0 ? QModelIndex() : clips.index(std::clamp(target, 0, last));
+}
+
+void ClipTableView::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags flags)
+{
+    const QModelIndex index = indexAt(rect.bottomRight()); // where the pointer is
+    if (index.isValid())
+        selectionModel()->select(index, flags);
+}
+
+QRegion ClipTableView::visualRegionForSelection(const QItemSelection &selection) const
+{
+    QRegion region;
+    for (const auto &range : selection) {
+        const QRect top = visualRect(range.topLeft());
+        const QRect bottom = visualRect(range.bottomRight());
+        region += top.united(bottom) & viewport()->rect();
+    }
+    return region;
+}
+
+void ClipTableView::updateGeometries()
+{
+    const int height = viewport()->height();
+    verticalScrollBar()->setRange(0, std::max(0, rowTops.back() - height));
+    verticalScrollBar()->setPageStep(height);
+    verticalScrollBar()->setSingleStep(ClipCellView::rowHeight(ClipKind::text) / 2);
+    QAbstractItemView::updateGeometries();
+}
+
+void ClipTableView::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const int first = std::max(0, rowAt(std::max(event->rect().top() + verticalOffset(), rowTops.front())));
+    for (int row = first; row < clips.rowCount(); ++row) {
+        const QModelIndex index = clips.index(row);
+        option.rect = visualRect(index);
+        if (option.rect.top() > event->rect().bottom())
+            break;
+        option.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
+        itemDelegate()->paint(&painter, option, index);
+    }
+}
+
+void ClipTableView::resizeEvent(QResizeEvent *event)
+{
+    QAbstractItemView::resizeEvent(event);
+    updateGeometries();
+}
+
+void ClipTableView::keyPressEvent(QKeyEvent *event)
+{
+    if (onKey && onKey(event)) {
+        event->accept();
+        return;
+    }
+    QListView::keyPressEvent(event);
+}
+
+void ClipTableView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    // The choice is made when the button is let go: closing with the button down would give the release to the
+    // program below.
+    if (event->button() == Qt::LeftButton)
+        doubleClickedRow = indexAt(event->position().toPoint()).row();
+}
+
+void ClipTableView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QListView::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || doubleClickedRow < 0)
+        return;
+    const int row = std::exchange(doubleClickedRow, -1);
+    if (onDoubleClick)
+        onDoubleClick(row);
+}

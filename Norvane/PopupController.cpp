@@ -1,0 +1,210 @@
+#include "Norvane/PopupController.h"
+
+#include "Norvane/ClipViews.h"
+#include "Norvane/FilterControl.h"
+#include "Norvane/PanelPlacement.h"
+#include "Norvane/PopupPanel.h"
+#include "Norvane/SearchField.h"
+#include "Norvane/app/Preferences.h"
+#include "Norvane/store/ClipStore.h"
+#include "Platform/PanelSurface.h"
+#include "Platform/Screens.h"
+#include "Platform/UserDefaults.h"
+#include "Platform/Workspace.h"
+#include "Vesmo/Localisation.h"
+
+#include <QLabel>
+
+namespace {
+
+const QString panelWidthKey = QStringLiteral("panelWidth");
+const QString panelHeightKey = QStringLiteral("panelHeight");
+
+bool needsText(PasteMode mode)
+{
+    return mode == PasteMode::plain || mode == PasteMode::copyText;
+}
+
+} // namespace
+
+PopupController::PopupController(const Services &given)
+    : services(given), search(given.store), icons(given.desktopEntries),
+      panel(std::make_unique<PopupPanel>(given.pasteboard, model, icons))
+{
+    const UserDefaults &defaults = services.prefs.defaults();
+    panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
+                                              defaults.real(panelHeightKey).value_or(0))
+                      .toSize());
+    panel->setHint(L("⏎ incolla  ·  ⇧⏎ senza formato  ·  ⌥⏎ copia  ·  ⌘E modifica  ·  ⌘P fissa  ·  "
+                     "⌘⌫ elimina  ·  ⌘1–9 rapida  ·  ⇥ filtro"));
+    panel->keyHandler = [this](QKeyEvent *event) { return handlePanelKey(event); };
+    panel->fieldHandler = [this](QKeyEvent *event) { return handleFieldCommand(event); };
+    panel->onCancel = [this] { hide(); };
+    panel->tableView->onKey = [this](QKeyEvent *event) { return handleListKey(event); };
+    panel->tableView->onDoubleClick = [this](int row) {
+        if (const ClipPointer clip = model.clipAt(row))
+            pick(clip, PasteMode::paste);
+    };
+    connect(panel->searchField, &QLineEdit::textChanged, this, [this] { reload(false); });
+    connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
+    connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
+        if (isVisible())
+            reload(true);
+    });
+    services.surface.adopt(panel.get());
+    services.surface.onDismissRequest = [this] { hide(); };
+}
+
+PopupController::~PopupController()
+{
+    services.surface.onDismissRequest = nullptr;
+}
+
+bool PopupController::isVisible() const
+{
+    return services.surface.isPresented();
+}
+
+void PopupController::show()
+{
+    {
+        const QSignalBlocker blocker(panel->searchField);
+        panel->searchField->clear();
+    }
+    reload(false);
+    panel->searchField->setFocus();
+    place();
+}
+
+void PopupController::place()
+{
+    const auto areas = services.screens.screens();
+    const double primaryHeight = areas.empty() ? 0 : areas.front().frame.height();
+    std::vector<PanelPlacement::Screen> screens;
+    for (const auto &area : areas)
+        screens.push_back({PanelPlacement::flipped(area.frame, primaryHeight),
+                           PanelPlacement::flipped(area.visibleFrame, primaryHeight)});
+    if (screens.empty())
+        return;
+    const auto frame =
+        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), std::nullopt,
+                              PanelPlacement::flipped(services.screens.pointer(), primaryHeight), screens);
+    services.surface.present(PanelPlacement::flipped(frame, primaryHeight).toRect());
+}
+
+void PopupController::hide()
+{
+    if (!isVisible())
+        return;
+    UserDefaults &defaults = services.prefs.defaults();
+    if (defaults.real(panelWidthKey).value_or(0) != panel->width())
+        defaults.setReal(panelWidthKey, panel->width());
+    if (defaults.real(panelHeightKey).value_or(0) != panel->height())
+        defaults.setReal(panelHeightKey, panel->height());
+    services.surface.dismiss();
+}
+
+void PopupController::reload(bool keepSelection)
+{
+    const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
+    const int rememberedRow = panel->tableView->selectedRow();
+
+    model.setResults(search.results(filter_, panel->searchField->text()));
+    const ClipList &listed = model.results();
+    if (!listed.empty()) {
+        int row = 0;
+        const auto found = rememberedClip ? std::find(listed.begin(), listed.end(), rememberedClip) : listed.end();
+        if (found != listed.end())
+            row = static_cast<int>(found - listed.begin());
+        else if (keepSelection && rememberedRow >= 0)
+            row = std::min(rememberedRow, static_cast<int>(listed.size()) - 1);
+        select(row);
+    }
+    updateCount();
+}
+
+void PopupController::updateCount()
+{
+    const auto listed = model.results().size();
+    const auto stored = services.store.clips().size();
+    panel->countLabel->setText(listed == stored ? L("%@ elementi", stored) : L("%@ di %@", listed, stored));
+}
+
+void PopupController::select(int row)
+{
+    panel->tableView->selectRow(row);
+}
+
+ClipPointer PopupController::selectedClip() const
+{
+    return model.clipAt(panel->tableView->selectedRow());
+}
+
+void PopupController::setFilter(int segment)
+{
+    filter_ = segment >= 0 && segment < clipFilterCount ? static_cast<ClipFilter>(segment) : ClipFilter::all;
+    reload(false);
+}
+
+void PopupController::stepFilter(int step)
+{
+    const int segment = (panel->filterControl->selectedSegment() + step + clipFilterCount) % clipFilterCount;
+    panel->filterControl->setSelectedSegment(segment);
+    setFilter(segment);
+}
+
+void PopupController::pick(const ClipPointer &clip, PasteMode mode)
+{
+    if (!clip)
+        return;
+    const bool hasText = clip->recognizedText && !clip->recognizedText->isEmpty();
+    if (clip->kind == ClipKind::image && needsText(mode) && !hasText) {
+        if (mode != PasteMode::plain) {
+            beep();
+            return;
+        }
+        mode = PasteMode::paste;
+    }
+    hide();
+    if (onPick)
+        onPick(clip, mode);
+}
+
+void PopupController::beep()
+{
+    services.workspace.beep(panel.get());
+}
+
+// Closes the panel and goes on elsewhere; a beep when there is nowhere to go.
+void PopupController::leaveFor(const std::function<void()> &action)
+{
+    if (!action) {
+        beep();
+        return;
+    }
+    hide();
+    action();
+}
+
+void PopupController::deleteSelected()
+{
+    if (const ClipPointer clip = selectedClip())
+        services.store.remove(clip);
+}
+
+void PopupController::togglePin()
+{
+    if (const ClipPointer clip = selectedClip())
+        services.store.setPinned(clip, !clip->pinned);
+}
+
+void PopupController::editSelected()
+{
+    const ClipPointer clip = selectedClip();
+    const bool editable = !clip || clip->kind == ClipKind::text || clip->kind == ClipKind::richText ||
+                          (clip->kind == ClipKind::image && clip->recognizedText);
+    if (!editable || !onEdit)
+        beep();
+    else
+        leaveFor([this, clip] { onEdit(clip); });
+}

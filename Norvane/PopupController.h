@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Norvane/ClipIcons.h"
+#include "Norvane/ClipListModel.h"
+#include "Norvane/paste/PasteMode.h"
+#include "Norvane/store/ClipSearch.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+
+class ClipStore;
+class DesktopEntries;
+class PanelSurface;
+class Pasteboard;
+class PopupPanel;
+class Preferences;
+class QKeyEvent;
+class Screens;
+class Workspace;
+
+// The history panel: what it lists, what its keys do, what is chosen. Made once, shown and hidden any number of
+// times; owned by AppDelegate. Main thread.
+class PopupController : public QObject {
+    Q_OBJECT
+
+public:
+    struct Services {
+        ClipStore &store;
+        Preferences &prefs;
+        Pasteboard &pasteboard;
+        PanelSurface &surface;
+        Screens &screens;
+        Workspace &workspace;
+        const DesktopEntries &desktopEntries;
+    };
+    explicit PopupController(const Services &services);
+    ~PopupController() override;
+
+    std::function<void(const ClipPointer &, PasteMode)> onPick;
+    std::function<void(const ClipPointer &)> onOpenInEditor;
+    std::function<void(const ClipPointer &)> onEdit; // null: a new clip
+    std::function<void()> onShowSettings;
+
+    [[nodiscard]] bool isVisible() const;
+
+    // Lists everything anew and opens at the place the settings say. Brought forward when open already.
+    void show();
+    void hide();
+
+    // keepSelection: the selected clip stays selected, or what took its row.
+    void reload(bool keepSelection);
+    void select(int row);
+    [[nodiscard]] ClipPointer selectedClip() const; // null when none
+    [[nodiscard]] const ClipList &results() const { return model.results(); }
+    [[nodiscard]] ClipFilter filter() const { return filter_; }
+    [[nodiscard]] PopupPanel &window() { return *panel; }
+
+private:
+    void place();
+    void pick(const ClipPointer &clip, PasteMode mode);
+    void beep();
+    void setFilter(int segment);
+    void stepFilter(int step);
+    void updateCount();
+    void leaveFor(const std::function<void()> &action);
+
+    bool handlePanelKey(QKeyEvent *event);
+    bool handleCommandLetter(int key);
+    bool handleFieldCommand(QKeyEvent *event);
+    bool handleListKey(QKeyEvent *event);
+    bool handleDigit(int digit, bool shift);
+    void editSelected();
+    void deleteSelected();
+    void togglePin();
+    void searchFor(const QString &characters);
+
+    Services services;
+    ClipSearch search;
+    ClipListModel model;
+    ClipIcons icons;
+    std::unique_ptr<PopupPanel> panel;
+    ClipFilter filter_ = ClipFilter::all;
+};

@@ -1,0 +1,161 @@
+#include "Norvane/PopupPanel.h"
+
+#include "Norvane/ClipViews.h"
+#include "Norvane/FilterControl.h"
+#include "Norvane/Palette.h"
+#include "Norvane/PanelPlacement.h"
+#include "Norvane/SearchField.h"
+#include "Norvane/store/ClipSearch.h"
+#include "Vesmo/Localisation.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+
+using Metrics::scaled;
+
+namespace {
+
+constexpr qreal panelRadius = 12;
+
+QStringList filterLabels()
+{
+    QStringList labels;
+    for (int i = 0; i < clipFilterCount; ++i)
+        labels << title(static_cast<ClipFilter>(i));
+    return labels;
+}
+
+// A one-pixel line across the panel.
+class Separator : public QWidget {
+public:
+    explicit Separator(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Palette::separator(palette())); }
+};
+
+} // namespace
+
+PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &icons)
+{
+    setObjectName(QStringLiteral("history"));
+    setWindowTitle(QStringLiteral("Norvane"));
+    setMinimumSize(PanelPlacement::minimumSize.toSize());
+
+    searchField = new SearchField(pasteboard, icons, this);
+    searchField->setPlaceholderText(L("Cerca negli appunti…"));
+    searchField->setAccessibleName(L("Cerca negli appunti…"));
+    filterControl = new FilterControl(filterLabels(), this);
+    tableView = new ClipTableView(model, icons, this);
+    tableView->setAccessibleName(QStringLiteral("Norvane"));
+    hintLabel = new QLabel(this);
+    countLabel = new QLabel(this);
+
+    auto *top = new QHBoxLayout;
+    top->setContentsMargins(scaled(12), scaled(12), scaled(12), 0);
+    top->setSpacing(scaled(10));
+    top->addWidget(searchField, 1);
+    top->addWidget(filterControl);
+
+    hintLabel->setFont(Metrics::font(11));
+    hintLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    hintLabel->setTextFormat(Qt::PlainText);
+    countLabel->setFont(Metrics::font(11));
+    countLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    countLabel->setTextFormat(Qt::PlainText);
+    auto *bottom = new QHBoxLayout;
+    bottom->setContentsMargins(scaled(14), scaled(6), scaled(14), scaled(8));
+    bottom->setSpacing(scaled(10));
+    bottom->addWidget(hintLabel, 1);
+    bottom->addWidget(countLabel);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(top);
+    layout->addSpacing(scaled(10));
+    layout->addWidget(new Separator(this));
+    layout->addWidget(tableView, 1);
+    layout->addWidget(new Separator(this));
+    layout->addLayout(bottom);
+
+    for (QObject *view : {static_cast<QObject *>(searchField), static_cast<QObject *>(tableView)})
+        view->installEventFilter(this);
+    applyColours();
+}
+
+void PopupPanel::setHint(const QString &text)
+{
+    hint = text;
+    hintLabel->setAccessibleName(text);
+    elideHint();
+}
+
+bool PopupPanel::offerKey(QObject *watched, QKeyEvent *event)
+{
+    if (keyHandler && keyHandler(event))
+        return true;
+    return watched == searchField && fieldHandler && fieldHandler(event);
+}
+
+bool PopupPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    // Tab would move the focus and shortcuts of the toolkit would act before a view sees the key.
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return false;
+    }
+    if (event->type() == QEvent::KeyPress)
+        return offerKey(watched, static_cast<QKeyEvent *>(event));
+    return QWidget::eventFilter(watched, event);
+}
+
+void PopupPanel::keyPressEvent(QKeyEvent *event)
+{
+    if (keyHandler && keyHandler(event))
+        return;
+    if (event->key() == Qt::Key_Escape && onCancel)
+        onCancel();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void PopupPanel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Active, QPalette::Window));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Palette::separator(palette()));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), panelRadius, panelRadius);
+}
+
+void PopupPanel::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    elideHint();
+}
+
+void PopupPanel::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
+    QWidget::changeEvent(event);
+}
+
+void PopupPanel::applyColours()
+{
+    for (QLabel *label : {hintLabel, countLabel}) {
+        QPalette colours = label->palette();
+        colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
+        label->setPalette(colours);
+    }
+}
+
+void PopupPanel::elideHint()
+{
+    layout()->activate();
+    hintLabel->setText(hintLabel->fontMetrics().elidedText(hint, Qt::ElideRight, hintLabel->width()));
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+class ClipIcons;
+class ClipListModel;
+class ClipTableView;
+class FilterControl;
+class Pasteboard;
+class SearchField;
+class QLabel;
+
+// The panel's window and its views: layout only. Main thread.
+//
+// Every key pressed in it is offered to `keyHandler` first, whichever view has the focus, then to the view's own
+// handler, then to the view. Escape that nobody takes calls `onCancel`.
+class PopupPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &icons);
+
+    std::function<bool(QKeyEvent *)> keyHandler;
+    std::function<bool(QKeyEvent *)> fieldHandler; // keys of the search field
+    std::function<void()> onCancel;
+
+    SearchField *searchField;
+    FilterControl *filterControl;
+    ClipTableView *tableView;
+    QLabel *hintLabel;
+    QLabel *countLabel;
+
+    void setHint(const QString &hint);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    [[nodiscard]] bool offerKey(QObject *watched, QKeyEvent *event);
+    void applyColours();
+    void elideHint();
+
+    QString hint;
+};
