@@ -1,8 +1,6 @@
 #include "tests/desktop/SelectionOwner.h"
 #include "tests/desktop/Stage.h"
 
-#include <QFile>
-
 namespace {
 
 const auto htmlBytes = QByteArrayLiteral("<meta charset=\"utf-8\"><b>Heavy</b> and plain quince");
@@ -59,9 +57,13 @@ void fromMousepadToTerminal(Stage &stage)
         "Pear, \xc3\xa8 matura: \xe2\x82\xac 3 \xe2\x80\x94 \xf0\x9f\x8d\x90 from mousepad");
     {
         const auto editor = stage.openMousepad(text);
-        require(stage.keyboard.press(QStringLiteral("Ctrl+A")) &&
-                    stage.keyboard.press(QStringLiteral("Ctrl+C")),
-                QStringLiteral("the layout lacks a key"));
+        const auto copied = [&] {
+            stage.keyboard.press(QStringLiteral("Ctrl+A")); // again until the editor has loaded its file
+            stage.keyboard.press(QStringLiteral("Ctrl+C"));
+            return stage.desktop.waitFor([&] { return stage.isNewest(QString::fromUtf8(text)); },
+                                         Desktop::Milliseconds(1500));
+        };
+        stage.desktop.waitFor(copied);
         stage.awaitNewest(QString::fromUtf8(text));
     }
     const auto terminal = stage.openTerminal();

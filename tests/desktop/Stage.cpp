@@ -226,13 +226,15 @@ void Stage::copy(const QByteArray &bytes, const QByteArray &target)
     require(desktop.waitFor(recorded), QStringLiteral("the copy was not recorded: ") + quoted(bytes));
 }
 
+bool Stage::isNewest(const QString &text) const
+{
+    const auto now = history().rows();
+    return now && !now->empty() && now->front().text == text;
+}
+
 HistoryFile::Row Stage::awaitNewest(const QString &text) const
 {
-    const auto isNewest = [&] {
-        const auto now = history().rows();
-        return now && !now->empty() && now->front().text == text;
-    };
-    require(desktop.waitFor(isNewest),
+    require(desktop.waitFor([&] { return isNewest(text); }),
             QStringLiteral("not the newest in the history: ") + quoted(text.toUtf8()));
     return rows().front();
 }

@@ -79,6 +79,7 @@ public:
 
     // Copies through another program and waits until it is recorded.
     void copy(const QByteArray &bytes, const QByteArray &target = "UTF8_STRING");
+    [[nodiscard]] bool isNewest(const QString &text) const;
     HistoryFile::Row awaitNewest(const QString &text) const;
 
     // Programs to paste into, active and empty.
