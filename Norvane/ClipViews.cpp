@@ -47,6 +47,21 @@ void drawText(QPainter *painter, const QRect &frame, const QString &text, const 
     painter->drawText(frame, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, elided);
 }
 
+// A slim bar without buttons: the toolkit's own is as loud as the list itself.
+QString scrollBarStyle(const QPalette &palette)
+{
+    const QColor handle = Palette::secondary(palette);
+    return QStringLiteral("QScrollBar:vertical { background: transparent; border: none; width: 11px; margin: 2px; }"
+                          "QScrollBar::handle:vertical { background: rgba(%1, %2, %3, 45%); border-radius: 3px;"
+                          " min-height: 28px; }"
+                          "QScrollBar::handle:vertical:hover { background: rgba(%1, %2, %3, 80%); }"
+                          "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+                          "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+        .arg(handle.red())
+        .arg(handle.green())
+        .arg(handle.blue());
+}
+
 } // namespace
 
 ClipCellView::ClipCellView(ClipIcons &clipIcons, const ClipListModel &listModel, QObject *parent)
@@ -137,7 +152,7 @@ ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *pa
     setContextMenuPolicy(Qt::NoContextMenu);
     setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    setMouseTracking(false);
+    verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
     connect(&icons, &ClipIcons::iconsChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -307,6 +322,13 @@ void ClipTableView::resizeEvent(QResizeEvent *event)
 {
     QAbstractItemView::resizeEvent(event);
     updateGeometries();
+}
+
+void ClipTableView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
+    QListView::changeEvent(event);
 }
 
 void ClipTableView::keyPressEvent(QKeyEvent *event)

@@ -62,7 +62,8 @@ bool isCommand(Qt::KeyboardModifiers modifiers)
 // Ctrl+Backspace and Ctrl+Delete delete a word where there is one to delete.
 bool deletesWord(const QLineEdit &field, quint32 keyCode)
 {
-    if (!field.hasFocus())
+    // Asked of the window: an override-redirect window may have the keyboard before the toolkit calls it active.
+    if (field.window()->focusWidget() != &field)
         return false;
     if (field.hasSelectedText())
         return true;

@@ -26,11 +26,11 @@ void chooseIconTheme()
 // True when a running instance took the request over.
 bool handOver(int argc, char **argv)
 {
-    [[maybe_unused]] const QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     return makeApplicationInstance()->ask(QStringLiteral("show"));
 }
 
-int runApplication(QApplication &application)
+int runApplication()
 {
     const auto instance = makeApplicationInstance();
     if (!instance->claim()) {
@@ -67,5 +67,5 @@ int main(int argc, char **argv)
         return 0;
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    return runApplication(application);
+    return runApplication();
 }

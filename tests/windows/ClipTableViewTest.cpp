@@ -83,9 +83,12 @@ TEST_F(ClipTableViewTest, DoubleClickChoosesWhenTheButtonIsLetGo)
     EXPECT_EQ(view.selectedRow(), 2);
     EXPECT_EQ(chosen, -1);
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, rect(2).center());
+    EXPECT_EQ(chosen, -1) << "the button is still down";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, rect(2).center());
     EXPECT_EQ(chosen, 2);
     chosen = -1;
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
     EXPECT_EQ(chosen, -1);
     QTest::mouseClick(view.viewport(), Qt::RightButton, {}, rect(4).center());
     EXPECT_EQ(view.selectedRow(), 4);
