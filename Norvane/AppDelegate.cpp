@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int trimDelay = 1000; // milliseconds after the last change of a limit
+constexpr int trimDelay = 1000;  // milliseconds after the last change of a limit
 constexpr int longestWait = 100; // milliseconds that opening the panel waits for a copy being read
 
 } // namespace
@@ -23,7 +23,8 @@ AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, cons
 {
     trimming.setSingleShot(true);
     trimming.setInterval(trimDelay);
-    connect(&trimming, &QTimer::timeout, this, [this] { store->trim(prefs.maxItems(), prefs.retentionDays()); });
+    connect(&trimming, &QTimer::timeout, this,
+            [this] { store->trim(prefs.maxItems(), prefs.retentionDays()); });
     showing.setSingleShot(true);
     showing.setInterval(longestWait);
     connect(&showing, &QTimer::timeout, this, [this] { popup->show(); });
@@ -46,8 +47,8 @@ void AppDelegate::finishLaunching()
     pasteService->onAskAccessibility = [this] { explainMissingKeys(); };
 
     popup = std::make_unique<PopupController>(
-        PopupController::Services{*store, prefs, *platform.pasteboard, *platform.panelSurface, *platform.screens,
-                                  *platform.workspace, *platform.desktopEntries});
+        PopupController::Services{*store, prefs, *platform.pasteboard, *platform.panelSurface,
+                                  *platform.screens, *platform.workspace, *platform.desktopEntries});
     popup->onPick = [this](const ClipPointer &clip, PasteMode mode) { pasteService->paste(clip, mode); };
 
     monitor->onCapture = [this](const CapturedClip &capture) { handleCapture(capture); };
@@ -121,8 +122,9 @@ void AppDelegate::perform(const QString &action)
 
 void AppDelegate::explainMissingKeys()
 {
-    auto *box = new QMessageBox(QMessageBox::Information, QStringLiteral("Norvane"),
-                                L("Senza permesso, la scelta viene solo copiata negli appunti: poi premi ⌘V."));
+    auto *box =
+        new QMessageBox(QMessageBox::Information, QStringLiteral("Norvane"),
+                        L("Senza permesso, la scelta viene solo copiata negli appunti: poi premi ⌘V."));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

@@ -81,6 +81,7 @@ void PopupController::place()
     const auto areas = services.screens.screens();
     const double primaryHeight = areas.empty() ? 0 : areas.front().frame.height();
     std::vector<PanelPlacement::Screen> screens;
+    screens.reserve(areas.size());
     for (const auto &area : areas)
         screens.push_back({PanelPlacement::flipped(area.frame, primaryHeight),
                            PanelPlacement::flipped(area.visibleFrame, primaryHeight)});
@@ -113,7 +114,8 @@ void PopupController::reload(bool keepSelection)
     const ClipList &listed = model.results();
     if (!listed.empty()) {
         int row = 0;
-        const auto found = rememberedClip ? std::find(listed.begin(), listed.end(), rememberedClip) : listed.end();
+        const auto found =
+            rememberedClip ? std::find(listed.begin(), listed.end(), rememberedClip) : listed.end();
         if (found != listed.end())
             row = static_cast<int>(found - listed.begin());
         else if (keepSelection && rememberedRow >= 0)

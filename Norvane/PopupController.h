@@ -19,8 +19,8 @@ class QKeyEvent;
 class Screens;
 class Workspace;
 
-// The history panel: what it lists, what its keys do, what is chosen. Made once, shown and hidden any number of
-// times; owned by AppDelegate. Main thread.
+// The history panel: what it lists, what its keys do, what is chosen. Made once, shown and hidden any number
+// of times; owned by AppDelegate. Main thread.
 class PopupController : public QObject {
     Q_OBJECT
 

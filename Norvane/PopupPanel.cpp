@@ -33,7 +33,10 @@ public:
     explicit Separator(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
 
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Palette::separator(palette())); }
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter(this).fillRect(rect(), Palette::separator(palette()));
+    }
 };
 
 } // namespace

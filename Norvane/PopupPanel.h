@@ -13,8 +13,8 @@ class QLabel;
 
 // The panel's window and its views: layout only. Main thread.
 //
-// Every key pressed in it is offered to `keyHandler` first, whichever view has the focus, then to the view's own
-// handler, then to the view. Escape that nobody takes calls `onCancel`.
+// Every key pressed in it is offered to `keyHandler` first, whichever view has the focus, then to the view's
+// own handler, then to the view. Escape that nobody takes calls `onCancel`.
 class PopupPanel : public QWidget {
     Q_OBJECT
 

@@ -40,7 +40,8 @@ TEST_F(ClipTableViewTest, RowsOfTwoHeightsFollowEachOther)
 {
     list(7);
     for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(rect(row).height(), ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
+        EXPECT_EQ(rect(row).height(),
+                  ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
         const int above = row > 0 ? rect(row - 1).bottom() + 1 : 0;
         EXPECT_EQ(rect(row).top(), above + 2) << row;
         EXPECT_EQ(view.indexAt(rect(row).center()).row(), row);

@@ -224,7 +224,8 @@ TEST_F(PopupControllerTest, CommandDeleteKeysDeleteAWordWhereThereIsOne)
         {u"testo", 0, Qt::Key_Backspace, u"testo", 1},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(QString::fromUtf16(c.text).toStdString() + " " + QKeySequence(c.key).toString().toStdString());
+        SCOPED_TRACE(QString::fromUtf16(c.text).toStdString() + " " +
+                     QKeySequence(c.key).toString().toStdString());
         store.deleteAll(store.clips());
         addText(u"testo uno"_s);
         addText(u"testo uno due"_s);
