@@ -58,7 +58,7 @@ public:
         } manner{};
         qsizetype chunk = 65536;
         quint32 announced = 0;
-        QByteArray type; // empty: the target's name
+        QByteArray type = {}; // empty: the target's name
     };
 
     ~Owner() override { die(); }
@@ -146,6 +146,15 @@ public:
 class PasteboardTest : public ::testing::Test {
 protected:
     PasteboardTest();
+
+    // The default policy but for one field.
+    template <typename Value>
+    void setPolicy(Value PasteboardPolicy::*field, std::type_identity_t<Value> value)
+    {
+        PasteboardPolicy policy;
+        policy.*field = std::move(value);
+        pasteboard->setPolicy(policy);
+    }
 
     // Waits for the reads under way, or the one that `change` starts.
     void settle();
