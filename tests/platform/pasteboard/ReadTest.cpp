@@ -85,6 +85,17 @@ TEST_F(ReadTest, AnOwnerWithoutAListIsAskedForText)
     EXPECT_EQ(bytes(text), QByteArray("old"));
 }
 
+TEST_F(ReadTest, OfAnEndlessListTheFirstThousandAreConsidered)
+{
+    Owner owner;
+    owner.offer("UTF8_STRING", "first");
+    for (int i = 0; i < 3000; ++i)
+        owner.offer("X" + QByteArray::number(i), "");
+    copy(owner);
+    EXPECT_EQ(types(), QStringList{"public.utf8-plain-text"});
+    EXPECT_EQ(bytes(text), QByteArray("first"));
+}
+
 TEST_F(ReadTest, LongContentComesInChunksWhateverWasAnnounced)
 {
     for (const quint32 announced : {0u, 7u, 0xffffffffu}) {

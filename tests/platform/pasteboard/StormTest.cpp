@@ -9,6 +9,9 @@
 
 namespace {
 
+// Qt's own X11 event thread is not built for the thread sanitizer, and no window of Qt's is needed here.
+const bool withoutQtOnX11 = qputenv("QT_QPA_PLATFORM", "offscreen");
+
 class StormTest : public PasteboardTest {};
 
 // Claims again and again, and answers nobody, on a connection of its own.
@@ -38,14 +41,11 @@ TEST_F(StormTest, AThousandClaimsAreCountedAndDoNotStallTheMainThread)
         over = true;
     });
     qint64 longest = 0;
-    int turns = 0;
     QElapsedTimer sinceTurn;
     sinceTurn.start();
     QTimer beat;
-    QObject::connect(&beat, &QTimer::timeout, &beat, [&] {
-        longest = std::max(longest, sinceTurn.restart());
-        ++turns;
-    });
+    QObject::connect(&beat, &QTimer::timeout, &beat,
+                     [&] { longest = std::max(longest, sinceTurn.restart()); });
     beat.start(1);
     EXPECT_TRUE(await([&] { return over.load(); }, 20000));
     storm.join();
@@ -56,8 +56,7 @@ TEST_F(StormTest, AThousandClaimsAreCountedAndDoNotStallTheMainThread)
     settle();
     EXPECT_EQ(bytes(PasteboardType::plainText), QByteArray("after the storm"));
     EXPECT_EQ(pasteboard->changeCount(), before + 1001);
-    EXPECT_GT(turns, 3);
-    EXPECT_LT(longest, 250); // a stall would be the storm's whole length; the machine may be busy
+    EXPECT_LT(std::max(longest, sinceTurn.elapsed()), 250);
 }
 
 TEST_F(StormTest, WritesInAStormEndWithTheRealOwnersContent)
