@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <csignal>
 #include <xcb/xtest.h>
 
 // The real programs.
@@ -152,6 +153,32 @@ TEST_F(ProgramsTest, APasteBeyondTheBudgetLeavesXclipAlive)
     EXPECT_EQ(bytes(PasteboardType::plainText), std::nullopt);
     EXPECT_EQ(types(), QStringList{"public.utf8-plain-text"});
     EXPECT_EQ(run("xclip", {"-selection", "clipboard", "-o"}), content);
+}
+
+TEST_F(ProgramsTest, AnXclipThatHungAnswersLateAndLives)
+{
+    const qint64 before = pasteboard->changeCount();
+    QProcess xclip;
+    xclip.setStandardInputFile(saved("late"));
+    xclip.start("xclip", {"-selection", "clipboard", "-quiet", "-i"});
+    ASSERT_TRUE(awaitChange(before));
+    settle();
+    ::kill(static_cast<pid_t>(xclip.processId()), SIGSTOP);
+
+    const auto second = X11Pasteboard::create(std::make_shared<ClassNames>());
+    bool settled = false;
+    second->whenSettled([&] { settled = true; }); // given up, as nobody answers
+    ASSERT_TRUE(await([&] { return settled; }));
+    EXPECT_TRUE(second->snapshot()->items.empty());
+
+    ::kill(static_cast<pid_t>(xclip.processId()), SIGCONT);
+    ASSERT_TRUE(await([&] { return !second->snapshot()->items.empty(); }, 1000)); // sooner than the retry
+    EXPECT_EQ(second->snapshot()->items.front().data(PasteboardType::plainText), QByteArray("late"));
+    EXPECT_EQ(second->changeCount(), 0);
+    EXPECT_EQ(run("xclip", {"-selection", "clipboard", "-o"}), QByteArray("late"));
+    EXPECT_EQ(xclip.state(), QProcess::Running);
+    xclip.kill();
+    xclip.waitForFinished();
 }
 
 TEST_F(ProgramsTest, XtermPastesPrimary)

@@ -1,6 +1,8 @@
 #include "tests/platform/pasteboard/X11Client.h"
 
+#include <QBuffer>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QTimer>
 #include <atomic>
 #include <thread>
@@ -72,6 +74,33 @@ TEST_F(StormTest, WritesInAStormEndWithTheRealOwnersContent)
         Requestor requestor;
         EXPECT_EQ(requestor.text(), QByteArray("mine"));
     }
+}
+
+TEST_F(StormTest, APictureUnderWayGivesWayToTheNextCopy)
+{
+    QImage image(1200, 1200, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    QByteArray bitmap;
+    QBuffer buffer(&bitmap);
+    image.save(&buffer, "bmp");
+    Owner first;
+    first.offer("image/bmp", bitmap);
+    Owner second;
+    second.offer("UTF8_STRING", "second");
+    const qint64 before = pasteboard->changeCount();
+    for (int round = 0; round < 5; ++round) {
+        first.claim();
+        EXPECT_TRUE(await([&] { return first.wasAskedFor("image/bmp"); }));
+        first.asked.clear();
+        if (round % 2) {
+            settle();
+            EXPECT_EQ(types(), (QStringList{"image/bmp", "public.png"}));
+        }
+        second.claim();
+        settle();
+        EXPECT_EQ(types(), QStringList{"public.utf8-plain-text"});
+    }
+    EXPECT_EQ(pasteboard->changeCount(), before + 10);
 }
 
 TEST_F(StormTest, ManyPasteboardsComeAndGo)
