@@ -110,12 +110,12 @@ void PasteboardThread::begin()
 
 void PasteboardThread::write(qint64 number, std::shared_ptr<const PasteboardSnapshot> content)
 {
-    post([this, number, content] { claimClipboard(number, *content); });
+    post([this, number, content = std::move(content)] { claimClipboard(number, *content); });
 }
 
 void PasteboardThread::ownPrimary(std::shared_ptr<const PasteboardSnapshot> content)
 {
-    postBriefly([this, content] { claimPrimary(*content); });
+    postBriefly([this, content = std::move(content)] { claimPrimary(*content); });
 }
 
 void PasteboardThread::readText(quint64 number)

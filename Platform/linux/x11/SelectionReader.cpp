@@ -16,7 +16,7 @@ using State = IncomingTransfer::State;
 // A healthy owner lists its targets within 2 ms; the slowest single conversion that was measured took 2.3 s.
 constexpr std::chrono::milliseconds targetsPatience(500);
 constexpr std::chrono::seconds targetPatience(2);
-constexpr qint64 maxListBytes = 256 * 1024;
+constexpr qint64 maxListBytes = 256LL * 1024;
 constexpr size_t maxTargets = 1024;
 
 } // namespace

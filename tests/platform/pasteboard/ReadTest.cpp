@@ -172,7 +172,7 @@ TEST_F(ReadTest, AHungOwnerCountsAtOnceAndIsReadWhenItComesBack)
     EXPECT_GT(time.elapsed(), 400);
     EXPECT_EQ(pasteboard->changeCount(), before + 1);
     EXPECT_TRUE(items().empty());
-    owner.hangs = false;
+    owner.hangs = false; // what was asked stays unanswered
     ASSERT_TRUE(awaitChange(before + 1, 5000));
     EXPECT_EQ(pasteboard->changeCount(), before + 2);
     EXPECT_EQ(bytes(text), QByteArray("late"));
@@ -193,6 +193,22 @@ TEST_F(ReadTest, ANewCopyEndsTheReadOfAHungOwnerAtOnce)
     EXPECT_LT(time.elapsed(), 400);
     EXPECT_EQ(bytes(text), QByteArray("next"));
     EXPECT_EQ(pasteboard->changeCount(), before + 2);
+}
+
+TEST_F(ReadTest, AnOwnerThatAnswersTooLateIsTakenToItsEndAndMeetsNoOtherRead)
+{
+    Owner hung;
+    hung.offer("UTF8_STRING", {pattern(500'000), Manner::incremental});
+    hung.beforeAnswering = [&] { hung.hangs = true; };
+    hung.claim();
+    ASSERT_TRUE(await([&] { return hung.wasAskedFor("UTF8_STRING"); }));
+    EXPECT_EQ(hung.incrementalEnds, 0);
+    Owner next;
+    next.offer("UTF8_STRING", pattern(300'000));
+    copy(next);
+    hung.comeBack();
+    EXPECT_TRUE(await([&] { return hung.incrementalEnds == 1; }));
+    EXPECT_EQ(bytes(text), pattern(300'000));
 }
 
 TEST_F(ReadTest, APasswordIsNotReadAtAll)

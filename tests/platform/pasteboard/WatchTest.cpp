@@ -102,6 +102,9 @@ TEST_F(WatchTest, WhatWasReadWhenTheOwnerLetsGoIsKeptUntilTheClear)
     owner.beforeAnswering = [&] { owner.letGo(); }; // as a file manager does after a cut
     const qint64 before = pasteboard->changeCount();
     owner.claim();
+    ASSERT_TRUE(await([&] { return !items().empty(); }));
+    EXPECT_EQ(bytes(text), QByteArray("first")); // the answer that was under way
+    EXPECT_EQ(bytes(u"x/second"), std::nullopt);
     EXPECT_EQ(count(), before + 2); // the copy and the clear
     EXPECT_TRUE(items().empty());
 }
@@ -156,6 +159,32 @@ TEST_F(WatchTest, AReadThatBeganBeforeAWriteIsDroppedAndOneAfterItIsNot)
     after.claim();
     EXPECT_EQ(count(), written + 1);
     EXPECT_EQ(bytes(text), QByteArray("after"));
+}
+
+TEST_F(WatchTest, ACopyThatWaitsToBePublishedGivesWayToAWrite)
+{
+    setPolicy(&PasteboardPolicy::paused,
+              true); // copies are published without their owner, which has no turn here
+    for (int delay = 0; delay < 60; ++delay) {
+        owner.claim();
+        for (int i = 0; i < delay; ++i)
+            owner.sync();
+        const qint64 written = pasteboard->write({textItem("mine")});
+        EXPECT_EQ(count(), written);
+        EXPECT_EQ(bytes(text), QByteArray("mine"));
+    }
+}
+
+TEST_F(WatchTest, CopiesThatWereNotTakenInTimeAreAllCounted)
+{
+    setPolicy(&PasteboardPolicy::paused, true);
+    const qint64 before = count();
+    for (int i = 0; i < 100; ++i) { // without a turn of the main loop
+        owner.claim();
+        for (int pause = 0; pause < 20; ++pause)
+            owner.sync();
+    }
+    EXPECT_EQ(count(), before + 100);
 }
 
 TEST_F(WatchTest, SettledIsImmediateWhenNothingIsRead)

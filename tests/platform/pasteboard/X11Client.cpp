@@ -131,6 +131,14 @@ void Owner::letGo()
     sync();
 }
 
+void Owner::comeBack()
+{
+    hangs = false;
+    for (const auto &request : std::exchange(unanswered, {}))
+        answer(request);
+    pump();
+}
+
 void Owner::handle(const xcb_generic_event_t &event)
 {
     const auto type = event.response_type & 0x7f;
@@ -145,10 +153,12 @@ void Owner::answer(const xcb_selection_request_event_t &request)
 {
     const QByteArray target = name(request.target);
     asked.push_back(target);
-    if (hangs)
-        return;
     if (target != "TARGETS" && beforeAnswering)
         std::exchange(beforeAnswering, nullptr)();
+    if (hangs) {
+        unanswered.push_back(request);
+        return;
+    }
     const auto form =
         std::find_if(forms.begin(), forms.end(), [&](const auto &each) { return each.first == target; });
     if (form != forms.end() && form->second.manner == Form::Manner::ignore)

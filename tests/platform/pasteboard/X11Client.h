@@ -70,10 +70,11 @@ public:
 
     void claim(const QByteArray &selection = "CLIPBOARD");
     void letGo();
+    void comeBack(); // from hanging: answers what was asked meanwhile
     [[nodiscard]] bool wasAskedFor(const QByteArray &target) const { return asked.contains(target); }
 
     bool listsTargets = true;
-    bool hangs = false;                    // answers nothing
+    bool hangs = false;                    // answers nothing for now
     std::function<void()> beforeAnswering; // of anything but TARGETS
     QByteArrayList asked;
     int chunksSent = 0;
@@ -96,6 +97,7 @@ private:
 
     std::vector<std::pair<QByteArray, Form>> forms;
     std::vector<Sending> sendings;
+    std::vector<xcb_selection_request_event_t> unanswered;
 };
 
 // Pastes on command.
