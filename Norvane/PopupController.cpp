@@ -20,6 +20,8 @@ namespace {
 const QString panelWidthKey = QStringLiteral("panelWidth");
 const QString panelHeightKey = QStringLiteral("panelHeight");
 
+constexpr int preparationDelay = 150; // milliseconds after the last change: a paste comes first
+
 bool needsText(PasteMode mode)
 {
     return mode == PasteMode::plain || mode == PasteMode::copyText;
@@ -47,12 +49,18 @@ PopupController::PopupController(const Services &given)
     };
     connect(panel->searchField, &QLineEdit::textChanged, this, [this] { reload(false); });
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
+    preparing.setSingleShot(true);
+    preparing.setInterval(preparationDelay);
+    connect(&preparing, &QTimer::timeout, this, &PopupController::prepare);
     connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
         if (isVisible())
             reload(true);
+        else
+            prepareLater();
     });
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
+    prepareLater();
 }
 
 PopupController::~PopupController()
@@ -67,13 +75,28 @@ bool PopupController::isVisible() const
 
 void PopupController::show()
 {
+    if (!prepared || isVisible())
+        prepare();
+    panel->searchField->setFocus();
+    place();
+}
+
+// Lists everything for the next opening, so that the opening itself has only to paint.
+void PopupController::prepare()
+{
+    preparing.stop();
     {
         const QSignalBlocker blocker(panel->searchField);
         panel->searchField->clear();
     }
     reload(false);
-    panel->searchField->setFocus();
-    place();
+    prepared = true;
+}
+
+void PopupController::prepareLater()
+{
+    prepared = false;
+    preparing.start();
 }
 
 void PopupController::place()
@@ -103,10 +126,12 @@ void PopupController::hide()
     if (defaults.real(panelHeightKey).value_or(0) != panel->height())
         defaults.setReal(panelHeightKey, panel->height());
     services.surface.dismiss();
+    prepareLater();
 }
 
 void PopupController::reload(bool keepSelection)
 {
+    prepared = false;
     const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
     const int rememberedRow = panel->tableView->selectedRow();
 

@@ -6,6 +6,7 @@
 #include "Norvane/store/ClipSearch.h"
 
 #include <QObject>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -58,6 +59,8 @@ public:
 
 private:
     void place();
+    void prepare();
+    void prepareLater();
     void pick(const ClipPointer &clip, PasteMode mode);
     void beep();
     void setFilter(int segment);
@@ -81,4 +84,6 @@ private:
     ClipIcons icons;
     std::unique_ptr<PopupPanel> panel;
     ClipFilter filter_ = ClipFilter::all;
+    QTimer preparing;
+    bool prepared = false; // the list is as the next opening wants it
 };
