@@ -247,7 +247,8 @@ void KeyGrab::handle(const xcb_generic_event_t &event)
         handleRelease(reinterpret_cast<const xcb_key_release_event_t &>(event));
     } else if (type == XCB_MAPPING_NOTIFY || (xkbFirstEvent != 0 && type == xkbFirstEvent)) {
         const std::lock_guard lock(mutex);
-        rereadMapAt = Clock::now() + mapSettles;
+        if (!rereadMapAt)
+            rereadMapAt = Clock::now() + mapSettles;
     }
 }
 

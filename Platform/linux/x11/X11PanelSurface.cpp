@@ -15,7 +15,10 @@
 namespace {
 
 constexpr double cornerRadius = 12; // points
-constexpr int sameClick = 100; // milliseconds between a menu's closing and the raw event of the same click
+// Milliseconds.
+constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
+constexpr int childEnds = 200; // while which the focus wanders after a dialog of the panel has ended
+constexpr int retakeAgain = 20;
 
 // Everything that Qt has sent has been carried out when this returns.
 void awaitQtRequests()
@@ -232,7 +235,7 @@ void X11PanelSurface::retakeFocus()
     if (!focus || focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
     if (!focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
-        requestDismiss();
+        QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
         return;
     }
     if (!panel->isActiveWindow())
@@ -245,9 +248,10 @@ void X11PanelSurface::whenDeactivated()
         return;
     if (focus && focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
-    if (childClosed.isValid() && childClosed.elapsed() < sameClick)
-        return; // a dialog has just ended, and whenChildClosed takes the keyboard back
-    requestDismiss();
+    if (childClosed.isValid() && childClosed.elapsed() < childEnds)
+        retakeFocus(); // the window manager gave it to the program in front when a dialog of the panel ended
+    else
+        requestDismiss();
 }
 
 void X11PanelSurface::whenPressed(const std::vector<quint32> &windows, quint32 time)
