@@ -184,7 +184,7 @@ TEST_F(HotKey, FollowsNumLockToAnotherModifier)
                                 {QStringLiteral("-e"), QStringLiteral("remove mod2 = Num_Lock"),
                                  QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")}),
               0);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isTaken(XCB_MOD_MASK_3); }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isTaken(XCB_MOD_MASK_3); }, 10000));
     EXPECT_FALSE(isTaken(XCB_MOD_MASK_2));
     pressHotKey();
     EXPECT_TRUE(waitForPresses(1));
