@@ -6,7 +6,7 @@
 #include "Platform/linux/x11/X11Workspace.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QMouseEvent>
 #include <QPainterPath>
 #include <QTimer>
 #include <QWindow>
@@ -15,7 +15,11 @@
 namespace {
 
 constexpr double cornerRadius = 12; // points
-constexpr int sameClick = 100; // milliseconds between a menu's closing and the raw event of the same click
+// Milliseconds.
+constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
+constexpr int childEnds = 200; // while which the focus wanders after a dialog of the panel has ended
+constexpr int retakeAgain = 20;
+constexpr int ownPressArrives = 15; // from the X server by way of Qt
 
 // Everything that Qt has sent has been carried out when this returns.
 void awaitQtRequests()
@@ -191,6 +195,8 @@ void X11PanelSurface::shape()
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
+        ownPressTime = static_cast<quint32>(static_cast<QMouseEvent *>(event)->timestamp());
     auto *window = qobject_cast<QWidget *>(watched);
     if (window == nullptr || !window->isWindow() || !panel)
         return false;
@@ -232,7 +238,7 @@ void X11PanelSurface::retakeFocus()
     if (!focus || focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
     if (!focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
-        requestDismiss();
+        QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
         return;
     }
     if (!panel->isActiveWindow())
@@ -245,17 +251,23 @@ void X11PanelSurface::whenDeactivated()
         return;
     if (focus && focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
-    if (childClosed.isValid() && childClosed.elapsed() < sameClick)
-        return; // a dialog has just ended, and whenChildClosed takes the keyboard back
-    requestDismiss();
+    if (childClosed.isValid() && childClosed.elapsed() < childEnds)
+        retakeFocus(); // the window manager gave it to the program in front when a dialog of the panel ended
+    else
+        requestDismiss();
 }
 
 void X11PanelSurface::whenPressed(const std::vector<quint32> &windows, quint32 time)
 {
     if (!presented || hasOpenChild() || (childClosed.isValid() && childClosed.elapsed() < sameClick))
         return; // the press closed a menu, and that was all it was for
-    if (std::none_of(windows.begin(), windows.end(), isOurs))
-        requestDismiss(time - 1); // so that a move of the focus by this very click is newer than ours
+    if (std::any_of(windows.begin(), windows.end(), isOurs))
+        return;
+    // The pointer may have left us since the press; then Qt has the press too, or is about to.
+    QTimer::singleShot(ownPressArrives, this, [this, time] {
+        if (presented && static_cast<qint32>(time - ownPressTime) > 0)
+            requestDismiss(time - 1); // so that a move of the focus by this very click is newer than ours
+    });
 }
 
 void X11PanelSurface::requestDismiss(quint32 time)

@@ -50,6 +50,7 @@ private:
     RawClicks clicks;
     std::unique_ptr<PanelFocus> focus;  // null without an X server
     std::optional<quint32> dismissTime; // of the click that closes the panel
+    quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
     bool grabbing = false; // the focus was refused, the keyboard is grabbed instead

@@ -203,7 +203,8 @@ TEST_F(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
     open();
     ASSERT_TRUE(waitForPanelFocus());
     hand.click(place.center());
-    hand.wheel(neighbour.middle());
+    if (!runsUnderWindowManager()) // many of them move the focus with the wheel
+        hand.wheel(neighbour.middle());
     hand.click(place.center());
     hand.tap(Hand::x);
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
