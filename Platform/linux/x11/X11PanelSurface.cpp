@@ -7,7 +7,6 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QPainterPath>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
@@ -65,6 +64,22 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     while (parent != nullptr && parent != panel)
         parent = parent->parent();
     return parent != nullptr;
+}
+
+// A rectangle with its corners cut along a circle, pixel by pixel: a polygon of the curve leaves flat
+// corners.
+QRegion roundedMask(const QSize &size)
+{
+    const int side = qRound(2 * cornerRadius);
+    const QRect whole(QPoint(0, 0), size);
+    const int radius = qRound(cornerRadius);
+    QRegion mask(whole.adjusted(radius, 0, -radius, 0));
+    mask += whole.adjusted(0, radius, 0, -radius);
+    for (const int x : {0, size.width() - side}) {
+        for (const int y : {0, size.height() - side})
+            mask += QRegion(x, y, side, side, QRegion::Ellipse);
+    }
+    return mask;
 }
 
 } // namespace
@@ -186,11 +201,13 @@ void X11PanelSurface::shape()
     RememberedWindow *front = workspace.remembered();
     if (panel->testAttribute(Qt::WA_TranslucentBackground) && front && compositorPresent(front->server())) {
         panel->clearMask();
+        maskedSize = {};
         return;
     }
-    QPainterPath outline;
-    outline.addRoundedRect(panel->rect(), cornerRadius, cornerRadius);
-    panel->setMask(QRegion(outline.toFillPolygon().toPolygon()));
+    if (maskedSize == panel->size())
+        return;
+    maskedSize = panel->size();
+    panel->setMask(roundedMask(maskedSize));
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)

@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QSize>
 #include <QPointer>
 #include <QWidget>
 #include <memory>
@@ -53,5 +54,6 @@ private:
     quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
+    QSize maskedSize; // of the mask the panel has; invalid for none
     bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
 };
