@@ -57,6 +57,8 @@ template <typename Value>
         return value.toString();
     } else if constexpr (std::convertible_to<const Value &, QString>) {
         return QString(value);
+    } else if constexpr (std::same_as<Value, char16_t>) {
+        return QString(QChar(value));
     } else if constexpr (std::same_as<Value, char>) {
         return QString(QChar::fromLatin1(value));
     } else if constexpr (std::is_floating_point_v<Value>) {

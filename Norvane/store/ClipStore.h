@@ -5,6 +5,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <unordered_map>
 
 class Database;
 
@@ -15,11 +16,17 @@ class Database;
 //
 // Owned by AppDelegate for the whole run. Every operation changes memory and file together and posts
 // ClipStoreDidChange once. A history whose file cannot be opened works without one: nothing new is stored.
+//
+// Where the file fails (disk full, locked by another process for longer than a moment), memory goes on: a new
+// copy is stored whole or not at all, and edited content that could not be written is tried again later. A
+// damaged file is set aside beside the history as "clips.sqlite.damaged-" and the time, and what can be read
+// of it is taken over.
 class ClipStore : public QObject {
     Q_OBJECT
 
 public:
-    // `folder` is created with mode 0700 if missing. `now` gives the time in seconds since the reference date.
+    // `folder` is created with mode 0700 if missing. `now` gives the time in seconds since the reference
+    // date.
     explicit ClipStore(const QString &folder, std::function<double()> now = secondsSinceReferenceDate);
     ~ClipStore() override;
 
@@ -28,10 +35,14 @@ public:
 
     [[nodiscard]] const ClipList &clips() const { return clips_; }
 
-    // The stored formats in their order; none without a database.
+    // The stored formats in their order, read from the file; none without a database.
     [[nodiscard]] std::vector<ClipFormat> formats(const Clip &clip) const;
 
-    // Stores a capture, or moves the clip with the same hash and kind to the top. Null when it could not be stored.
+    // Grows with every change, before it is posted.
+    [[nodiscard]] quint64 changeCount() const { return changes; }
+
+    // Stores a capture, or moves the clip with the same hash and kind to the top. Null when it could not be
+    // stored.
     ClipPointer add(const CapturedClip &capture);
     void moveToTop(const ClipPointer &clip);
     void setPinned(const ClipPointer &clip, bool pinned);
@@ -51,7 +62,22 @@ Q_SIGNALS:
     void ClipStoreDidChange(ClipStore *store);
 
 private:
+    void open();
+    bool openDatabase();
+    void restoreIfDamaged();
+    [[nodiscard]] bool contains(const ClipPointer &clip) const;
+    [[nodiscard]] double timeStamp() const;
+    bool transaction(const std::function<bool()> &statements);
+    bool insertFormats(const Clip &clip, const std::vector<ClipFormat> &formats);
+    bool writeContent(const Clip &clip, const std::vector<ClipFormat> &formats);
+    void writeUnsaved();
+    void postChange();
+
+    QString path;
     ClipList clips_;
     std::unique_ptr<Database> db;
     std::function<double()> now;
+    std::unordered_map<qint64, std::vector<ClipFormat>>
+        unsaved; // replaced formats the file did not take, by clip id
+    quint64 changes = 0;
 };

@@ -5,3 +5,138 @@
 #include "Platform/memory/MemoryUserDefaults.h"
 
 #include <QHash>
+#include <QPointer>
+#include <QSet>
+#include <QWidget>
+
+// The services of a desktop that exists in memory only: for tests and sample screens. Each plays its part of
+// the contract; what stands below the service's own operations steers it or tells what it was asked. Main
+// thread.
+
+class MemoryDesktopEntries : public DesktopEntries {
+public:
+    [[nodiscard]] FrontApplication application(const WindowIdentity &window) const override;
+    [[nodiscard]] std::optional<QString> iconName(const QString &bundleIdentifier) const override;
+
+    // Windows of this class belong to this application.
+    void install(const QString &className, const FrontApplication &application, const QString &icon = {});
+
+private:
+    QHash<QString, FrontApplication> byClass;
+    QHash<QString, QString> icons;
+};
+
+// Letters, digits and punctuation of a whole keyboard, as three real layouts have them.
+class MemoryKeyboardLayout : public KeyboardLayout {
+public:
+    enum class Layout { us, italian, dvorak };
+
+    explicit MemoryKeyboardLayout(Layout initialLayout = Layout::us) : layout(initialLayout) {}
+
+    [[nodiscard]] std::optional<QString> layoutCharacter(quint32 keyCode) const override;
+    [[nodiscard]] std::optional<QString> symbolName(quint32 keyCode) const override;
+
+    void setLayout(Layout value) { layout = value; }
+
+private:
+    Layout layout;
+};
+
+class MemoryWorkspace : public Workspace {
+public:
+    [[nodiscard]] std::optional<FrontApplication> frontmostApplication() const override { return front; }
+    [[nodiscard]] bool isThisApplicationActive() const override;
+    void beep(QWidget *concerned) override;
+
+    void activate(std::optional<FrontApplication> application) { front = std::move(application); }
+
+    int beepCount = 0;
+    QPointer<QWidget> lastBeepConcerned;
+
+private:
+    std::optional<FrontApplication> front;
+};
+
+class MemoryHotKeys : public HotKeys {
+public:
+    struct Key {
+        quint32 keyCode = 0;
+        quint64 modifiers = 0;
+
+        bool operator==(const Key &) const = default;
+    };
+
+    [[nodiscard]] int registerHotKey(quint32 keyCode, quint64 modifiers) override;
+    void unregisterHotKey() override { registered.reset(); }
+
+    // Registrations of this key are refused with this status, until it is 0.
+    void refuse(const Key &key, int status);
+
+    // The user presses the key; nothing happens when it is not the registered one.
+    void press(const Key &key) const;
+    void press() const; // the registered one
+
+    std::optional<Key> registered;
+
+private:
+    std::vector<std::pair<Key, int>> refusals;
+};
+
+class MemoryPanelSurface : public PanelSurface {
+public:
+    void adopt(QWidget *panel) override;
+    void present(const QRect &geometry) override;
+    void dismiss() override;
+    [[nodiscard]] bool isPresented() const override { return presented; }
+
+    // The user clicks somewhere else.
+    void requestDismissal() const;
+
+    QRect lastGeometry;
+    int presentCount = 0;
+    int dismissCount = 0; // of a panel that was shown
+
+private:
+    QPointer<QWidget> panel;
+    bool presented = false;
+};
+
+class MemoryKeyEvents : public KeyEvents {
+public:
+    [[nodiscard]] bool canSynthesise() const override { return allowed; }
+    void postPaste() override { ++pasteCount; }
+
+    bool allowed = true;
+    int pasteCount = 0;
+};
+
+class MemoryScreens : public Screens {
+public:
+    [[nodiscard]] std::vector<ScreenArea> screens() const override { return areas; }
+    [[nodiscard]] QPointF pointer() const override { return pointerPosition; }
+
+    // One screen of 1600 × 1000 with a panel of 30 along its top.
+    std::vector<ScreenArea> areas{{QRectF(0, 0, 1600, 1000), QRectF(0, 30, 1600, 970)}};
+    QPointF pointerPosition{800, 500};
+};
+
+// The instances that share a room see each other, as two starts on one desktop do.
+class MemoryInstance : public ApplicationInstance {
+public:
+    struct Room {
+        MemoryInstance *running = nullptr;
+        bool hung = false; // the running instance answers nothing
+    };
+
+    explicit MemoryInstance(Room &sharedRoom) : room(sharedRoom) {}
+    ~MemoryInstance() override;
+
+    [[nodiscard]] bool claim() override;
+    [[nodiscard]] bool ask(const QString &action) override;
+
+private:
+    Room &room;
+};
+
+// Every service of its memory kind, so that a test may cast each down to steer it.
+[[nodiscard]] std::unique_ptr<Platform> makeMemoryPlatform();

@@ -1,0 +1,95 @@
+#include "Norvane/store/Clip.h"
+
+#include "Norvane/store/ClipStore.h"
+#include "Vesmo/Localisation.h"
+#include "Vesmo/Text.h"
+
+#include <QCryptographicHash>
+#include <QStringDecoder>
+#include <algorithm>
+#include <numeric>
+
+std::optional<ClipKind> clipKind(qint64 rawValue)
+{
+    if (rawValue < static_cast<int>(ClipKind::text) || rawValue > static_cast<int>(ClipKind::files))
+        return std::nullopt;
+    return static_cast<ClipKind>(rawValue);
+}
+
+QString title(ClipKind kind)
+{
+    switch (kind) {
+    case ClipKind::text:
+        return L("Testo");
+    case ClipKind::richText:
+        return L("Testo formattato");
+    case ClipKind::image:
+        return L("Immagine");
+    case ClipKind::files:
+        return L("File##files");
+    }
+    return {};
+}
+
+std::optional<QByteArray> dataOfType(const std::vector<ClipFormat> &formats, QStringView type)
+{
+    const auto found = std::find_if(formats.begin(), formats.end(),
+                                    [type](const auto &format) { return format.type == type; });
+    return found == formats.end() ? std::nullopt : std::optional(found->data);
+}
+
+std::optional<QByteArray> imageDataOf(const std::vector<ClipFormat> &formats)
+{
+    for (const auto type : imageTypes) {
+        if (auto data = dataOfType(formats, type))
+            return data;
+    }
+    return std::nullopt;
+}
+
+qint64 totalSize(const std::vector<ClipFormat> &formats)
+{
+    return std::accumulate(formats.begin(), formats.end(), qint64{0},
+                           [](qint64 sum, const ClipFormat &format) { return sum + format.data.size(); });
+}
+
+QString contentHash(const QByteArray &bytes)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+}
+
+QString contentHash(const QString &text)
+{
+    return contentHash(text.toUtf8());
+}
+
+QString shortenedText(const QString &text)
+{
+    return text.left(lengthOfClusters(text, maxStoredTextLength));
+}
+
+std::optional<QString> Clip::fullText(const ClipStore &store) const
+{
+    if (kind == ClipKind::image)
+        return recognizedText;
+    if (text.size() < maxStoredTextLength) // fewer units than characters allowed: it was not shortened
+        return text;
+    const auto data = dataOfType(store.formats(*this), u"public.utf8-plain-text");
+    if (!data)
+        return text;
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    QString whole = decoder(*data);
+    return decoder.hasError() ? text : whole;
+}
+
+std::optional<QByteArray> Clip::imageData(const ClipStore &store) const
+{
+    return imageDataOf(store.formats(*this));
+}
+
+const QImage &Clip::thumbnail() const
+{
+    if (!decodedThumbnail)
+        decodedThumbnail = thumbData ? QImage::fromData(*thumbData) : QImage();
+    return *decodedThumbnail;
+}

@@ -1,0 +1,307 @@
+#include "Norvane/store/ClipStore.h"
+
+#include "Norvane/store/DamagedHistory.h"
+#include "Norvane/store/Database.h"
+#include "Norvane/store/HistorySchema.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <sys/stat.h>
+#include <unordered_set>
+
+namespace {
+
+constexpr double secondsPerDay = 86400;
+constexpr double unixTimeOfReferenceDate = 978307200; // 2001-01-01 00:00:00 UTC
+
+void createPrivateFolder(const QString &folder)
+{
+    QDir().mkpath(QFileInfo(folder).absolutePath());
+    ::mkdir(QFile::encodeName(folder).constData(), 0700);
+}
+
+} // namespace
+
+double secondsSinceReferenceDate()
+{
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    return now.count() - unixTimeOfReferenceDate;
+}
+
+ClipStore::ClipStore(const QString &folder, std::function<double()> clock)
+    : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock))
+{
+    createPrivateFolder(QDir::cleanPath(folder));
+    open();
+}
+
+ClipStore::~ClipStore()
+{
+    writeUnsaved();
+}
+
+QString ClipStore::defaultFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Norvane");
+}
+
+std::vector<ClipFormat> ClipStore::formats(const Clip &clip) const
+{
+    if (const auto waiting = unsaved.find(clip.id); waiting != unsaved.end())
+        return waiting->second;
+    std::vector<ClipFormat> formats;
+    if (!db)
+        return formats;
+    db->query(HistorySQL::formatsOfClip, {clip.id}, [&formats](const SQLRow &row) {
+        formats.push_back(
+            {row.integer(0), row.text(1).value_or(QString()), row.blob(2).value_or(QByteArray())});
+    });
+    return formats;
+}
+
+ClipPointer ClipStore::add(const CapturedClip &capture)
+{
+    const auto known = std::find_if(clips_.begin(), clips_.end(), [&capture](const ClipPointer &clip) {
+        return clip->hash == capture.hash && clip->kind == capture.kind;
+    });
+    if (known != clips_.end()) {
+        const ClipPointer clip = *known;
+        moveToTop(clip);
+        return clip;
+    }
+    restoreIfDamaged();
+    if (!db)
+        return nullptr;
+    writeUnsaved();
+    auto clip = std::make_shared<Clip>();
+    clip->kind = capture.kind;
+    clip->text = shortenedText(capture.text);
+    clip->hash = capture.hash;
+    clip->created = timeStamp();
+    clip->appID = capture.appID;
+    clip->appName = capture.appName;
+    clip->size = totalSize(capture.formats);
+    clip->pixelSize = capture.pixelSize;
+    clip->thumbData = capture.thumbnail;
+    const bool stored = transaction([&] {
+        if (!db->run(HistorySQL::insertClip, HistorySQL::insertedValues(*clip)))
+            return false;
+        clip->id = db->lastInsertedRowID();
+        return insertFormats(*clip, capture.formats);
+    });
+    if (!stored)
+        return nullptr;
+    clips_.insert(clips_.begin(), clip);
+    postChange();
+    return clip;
+}
+
+void ClipStore::moveToTop(const ClipPointer &clip)
+{
+    clip->created = timeStamp();
+    if (db)
+        db->run(HistorySQL::moveToTop, {clip->created, clip->id});
+    const auto place = std::find(clips_.begin(), clips_.end(), clip);
+    if (place == clips_.end())
+        clips_.insert(clips_.begin(), clip);
+    else
+        std::rotate(clips_.begin(), place, place + 1);
+    postChange();
+}
+
+void ClipStore::setPinned(const ClipPointer &clip, bool pinned)
+{
+    clip->pinned = pinned;
+    if (db)
+        db->run(HistorySQL::pin, {qint64{pinned ? 1 : 0}, clip->id});
+    postChange();
+}
+
+void ClipStore::remove(const ClipPointer &clip)
+{
+    const ClipPointer removed = clip; // `clip` may be the list's own
+    if (db)
+        db->run(HistorySQL::deleteClip, {removed->id});
+    unsaved.erase(removed->id);
+    std::erase(clips_, removed);
+    postChange();
+}
+
+void ClipStore::deleteAll(const ClipList &doomed)
+{
+    if (doomed.empty())
+        return;
+    std::unordered_set<qint64> ids;
+    for (const auto &clip : doomed) {
+        ids.insert(clip->id);
+        unsaved.erase(clip->id);
+    }
+    if (db) {
+        // What can be deleted is: a row that stays behind must not keep the others.
+        db->exec("BEGIN");
+        for (const auto &clip : doomed)
+            db->run(HistorySQL::deleteClip, {clip->id});
+        if (!db->exec("COMMIT"))
+            db->rollBack();
+    }
+    std::erase_if(clips_, [&ids](const ClipPointer &clip) { return ids.contains(clip->id); });
+    if (db)
+        db->exec("PRAGMA incremental_vacuum");
+    postChange();
+}
+
+void ClipStore::trim(qint64 maxItems, qint64 retentionDays)
+{
+    const auto cutoff = retentionDays >= 1
+                            ? std::optional(now() - static_cast<double>(retentionDays) * secondsPerDay)
+                            : std::nullopt;
+    ClipList expired;
+    qint64 kept = 0;
+    for (const auto &clip : clips_) {
+        if (clip->pinned)
+            continue;
+        const bool tooOld = cutoff && clip->created < *cutoff;
+        if (tooOld || kept >= maxItems)
+            expired.push_back(clip);
+        else
+            ++kept;
+    }
+    if (!expired.empty())
+        deleteAll(expired);
+}
+
+void ClipStore::setRecognizedText(const QString &text, const ClipPointer &clip)
+{
+    const QString shortened = shortenedText(text);
+    clip->recognizedText = shortened;
+    ++clip->revision;
+    if (!contains(clip))
+        return;
+    if (db)
+        db->run(HistorySQL::setRecognizedText, {shortened, clip->id});
+    postChange();
+}
+
+void ClipStore::replaceContent(const ClipPointer &clip, const QString &text,
+                               const std::vector<ClipFormat> &formats)
+{
+    if (!contains(clip))
+        return;
+    clip->text = shortenedText(text);
+    clip->hash = contentHash(QStringLiteral("text\n") + text);
+    clip->size = totalSize(formats);
+    ++clip->revision;
+    if (db) {
+        if (writeContent(*clip, formats))
+            unsaved.erase(clip->id);
+        else
+            unsaved[clip->id] = formats;
+    }
+    postChange();
+}
+
+bool ClipStore::contains(const ClipPointer &clip) const
+{
+    return std::find(clips_.begin(), clips_.end(), clip) != clips_.end();
+}
+
+// Later than the newest clip where the clock has not moved on since: the order of two copies must survive a
+// restart.
+double ClipStore::timeStamp() const
+{
+    constexpr double clockResolution = 0.001;
+    const double time = now();
+    const double newest = clips_.empty() ? time - 1 : clips_.front()->created;
+    if (time <= newest && newest - time < clockResolution)
+        return std::nextafter(newest, std::numeric_limits<double>::infinity());
+    return time;
+}
+
+// All of it or nothing: SQLite itself may have rolled back before a failure is seen here.
+bool ClipStore::transaction(const std::function<bool()> &statements)
+{
+    if (!db->exec("BEGIN"))
+        return false;
+    if (statements() && db->exec("COMMIT"))
+        return true;
+    db->rollBack();
+    return false;
+}
+
+bool ClipStore::insertFormats(const Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return std::all_of(formats.begin(), formats.end(), [&](const ClipFormat &format) {
+        return db->run(HistorySQL::insertFormat, {clip.id, format.item, format.type, format.data});
+    });
+}
+
+bool ClipStore::writeContent(const Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return transaction([&] {
+        return db->run(HistorySQL::replaceContent, {clip.text, clip.hash, clip.size, clip.id}) &&
+               db->run(HistorySQL::dropFormats, {clip.id}) && insertFormats(clip, formats);
+    });
+}
+
+void ClipStore::writeUnsaved()
+{
+    if (!db || unsaved.empty())
+        return;
+    for (const auto &clip : clips_) {
+        const auto waiting = unsaved.find(clip->id);
+        if (waiting != unsaved.end() && writeContent(*clip, waiting->second))
+            unsaved.erase(waiting);
+    }
+}
+
+void ClipStore::postChange()
+{
+    ++changes;
+    Q_EMIT ClipStoreDidChange(this);
+}
+
+void ClipStore::open()
+{
+    if (hasOrphanedLog(path) && setAside(path).isEmpty())
+        return;
+    if (!openDatabase())
+        return;
+    clips_ = loadClips(*db);
+    if (!db->isDamaged())
+        return;
+    db.reset();
+    const QString damaged = setAside(path);
+    if (damaged.isEmpty()) {
+        clips_.clear();
+        return;
+    }
+    clips_ = salvagedClips(damaged);
+    if (openDatabase())
+        restoreHistory(*db, clips_, damaged);
+}
+
+bool ClipStore::openDatabase()
+{
+    db = Database::open(path);
+    if (!db)
+        return false;
+    prepareSchema(*db);
+    db->onDamage = [this] {
+        QMetaObject::invokeMethod(this, &ClipStore::restoreIfDamaged, Qt::QueuedConnection);
+    };
+    return true;
+}
+
+void ClipStore::restoreIfDamaged()
+{
+    if (!db || !db->isDamaged())
+        return;
+    db.reset();
+    const QString damaged = setAside(path);
+    if (!damaged.isEmpty() && openDatabase())
+        restoreHistory(*db, clips_, damaged);
+}

@@ -1,0 +1,94 @@
+#include "Norvane/store/HistorySchema.h"
+
+#include <QStringList>
+#include <algorithm>
+
+namespace {
+
+constexpr char schema[] = "CREATE TABLE IF NOT EXISTS clips(\n"
+                          "    id INTEGER PRIMARY KEY AUTOINCREMENT,\n"
+                          "    kind INTEGER NOT NULL,\n"
+                          "    text TEXT NOT NULL DEFAULT '',\n"
+                          "    hash TEXT NOT NULL,\n"
+                          "    created REAL NOT NULL,\n"
+                          "    app_id TEXT,\n"
+                          "    app_name TEXT,\n"
+                          "    pinned INTEGER NOT NULL DEFAULT 0,\n"
+                          "    size INTEGER NOT NULL DEFAULT 0,\n"
+                          "    width INTEGER NOT NULL DEFAULT 0,\n"
+                          "    height INTEGER NOT NULL DEFAULT 0,\n"
+                          "    thumb BLOB);\n"
+                          "CREATE INDEX IF NOT EXISTS clips_hash ON clips(hash);\n"
+                          "CREATE TABLE IF NOT EXISTS formats(\n"
+                          "    clip_id INTEGER NOT NULL REFERENCES clips(id) ON DELETE CASCADE,\n"
+                          "    item INTEGER NOT NULL,\n"
+                          "    type TEXT NOT NULL,\n"
+                          "    data BLOB NOT NULL);\n"
+                          "CREATE INDEX IF NOT EXISTS formats_clip ON formats(clip_id);\n";
+
+// The write-ahead log has written the first page by now, which fixes the vacuum mode: only a VACUUM changes
+// it.
+void applyVacuumModeToNewFile(Database &db)
+{
+    qint64 pages = 0;
+    const bool known =
+        db.query("PRAGMA page_count", {}, [&pages](const SQLRow &row) { pages = row.integer(0); });
+    if (known && pages <= 1)
+        db.exec("VACUUM");
+}
+
+qint64 wholePixels(qreal length)
+{
+    constexpr qreal most = 1 << 30;
+    return length > 0 ? static_cast<qint64>(std::min(length, most)) : 0;
+}
+
+} // namespace
+
+std::vector<SQLValue> HistorySQL::insertedValues(const Clip &clip)
+{
+    return {qint64{static_cast<int>(clip.kind)},
+            clip.text,
+            clip.hash,
+            clip.created,
+            sqlValue(clip.appID),
+            sqlValue(clip.appName),
+            clip.size,
+            wholePixels(clip.pixelSize.width()),
+            wholePixels(clip.pixelSize.height()),
+            sqlValue(clip.thumbData)};
+}
+
+void prepareSchema(Database &db)
+{
+    db.exec("PRAGMA auto_vacuum = INCREMENTAL");
+    applyVacuumModeToNewFile(db);
+    db.exec(schema);
+    if (!db.columns("clips").contains(QLatin1String("ocr")))
+        db.exec("ALTER TABLE clips ADD COLUMN ocr TEXT");
+}
+
+ClipPointer clipFromRow(const SQLRow &row)
+{
+    auto clip = std::make_shared<Clip>();
+    clip->id = row.integer(0);
+    clip->kind = clipKind(row.integer(1)).value_or(ClipKind::text);
+    clip->text = row.text(2).value_or(QString());
+    clip->hash = row.text(3).value_or(QString());
+    clip->created = row.real(4);
+    clip->appID = row.text(5);
+    clip->appName = row.text(6);
+    clip->pinned = row.integer(7) != 0;
+    clip->size = row.integer(8);
+    clip->pixelSize = QSizeF(static_cast<qreal>(row.integer(9)), static_cast<qreal>(row.integer(10)));
+    clip->thumbData = row.blob(11);
+    clip->recognizedText = row.text(12);
+    return clip;
+}
+
+ClipList loadClips(Database &db)
+{
+    ClipList clips;
+    db.query(HistorySQL::load, {}, [&clips](const SQLRow &row) { clips.push_back(clipFromRow(row)); });
+    return clips;
+}
