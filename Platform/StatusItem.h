@@ -12,14 +12,15 @@ class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    // Gives the rows of the menu. Asked when the menu is about to open and after menuChanged(); set before show().
+    // Gives the rows of the menu. Asked when the menu is about to open and after menuChanged(); set before
+    // show().
     std::function<std::vector<ClosureMenuItem>()> menuContents;
 
     // Appears as soon as there is a tray.
     virtual void show() = 0;
 
-    // What menuContents gives has changed. The rows follow within 200 ms; while the menu is open they stay as they
-    // are, so that nobody chooses what they did not see.
+    // What menuContents gives has changed. The rows follow within 200 ms; while the menu is open they stay as
+    // they are, so that nobody chooses what they did not see.
     virtual void menuChanged() = 0;
 
     // The icon is dimmed while recording is paused.
@@ -28,8 +29,8 @@ public:
     // There is a tray and the icon is in it. False until the first tray has answered.
     [[nodiscard]] virtual bool isAvailable() const = 0;
 
-    // Opens the same menu with its lower right corner at a point of the screen (Qt's logical coordinates): for
-    // desktops without a tray. Returns at once.
+    // Opens the same menu with its lower right corner at a point of the screen (Qt's logical coordinates):
+    // for desktops without a tray. Returns at once.
     virtual void popUpMenu(const QPoint &lowerRight) = 0;
 
     std::function<void()> onActivate;           // the icon was clicked with the main button

@@ -5,13 +5,13 @@
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOption>
+#include <QTextDocument>
 
 namespace {
 
 constexpr int widestImage = 28;  // logical pixels
 constexpr int tallestImage = 20; // logical pixels
 constexpr int symbolSide = 16;   // logical pixels
-constexpr char16_t mnemonicMark = u'&', exportedMnemonicMark = u'_';
 
 // Gives pictures the width of a thumbnail, and every row the same height whether it has a picture or not.
 class PictureRows : public QProxyStyle {
@@ -43,8 +43,8 @@ QPixmap tinted(const QString &file, const QColor &color)
     return pixmap;
 }
 
-// The key as rows name it; empty with a modifier held. A key of the number row that types something else without
-// Shift, as on French layouts, is its digit too.
+// The key as rows name it; empty with a modifier held. A key of the number row that types something else
+// without Shift, as on French layouts, is its digit too.
 QString bareKeyOf(const QKeyEvent *event)
 {
     constexpr quint32 firstDigit = 10; // X key code of 1; 9 is 18
@@ -62,10 +62,13 @@ QString bareKeyOf(const QKeyEvent *event)
 
 } // namespace
 
+// Qt's widgets take every "&" as a mark. In an exported menu "_" is the mark, and Qt makes one of the first
+// "&" only.
 QString literalMenuTitle(const QString &title, MenuHost host)
 {
     QString literal;
     literal.reserve(title.size());
+    bool ampersandMarks = true;
     for (const QChar character : title) {
         // A tab would begin the column of keys, a line break a second line.
         if (character.category() == QChar::Other_Control) {
@@ -73,8 +76,12 @@ QString literalMenuTitle(const QString &title, MenuHost host)
             continue;
         }
         literal += character;
-        if (character == mnemonicMark || (character == exportedMnemonicMark && host == MenuHost::exported))
+        const bool isMark =
+            character == u'&' ? ampersandMarks : character == u'_' && host == MenuHost::exported;
+        if (isMark)
             literal += character;
+        if (character == u'&' && host == MenuHost::exported)
+            ampersandMarks = false;
     }
     return literal;
 }

@@ -11,9 +11,9 @@ enum class MenuHost { widget, exported };
 // A title as the host must be given it to show just that text.
 [[nodiscard]] QString literalMenuTitle(const QString &title, MenuHost host);
 
-// A menu whose rows are made once and then only change their texts: trays that are told of new rows while they open
-// a menu close it again. Rows are kept by group (what stands between two separators); one that is not needed is
-// hidden. The keys of the rows choose them while the menu is open, and never else. Main thread.
+// A menu whose rows are made once and then only change their texts: trays that are told of new rows while
+// they open a menu close it again. Rows are kept by group (what stands between two separators); one that is
+// not needed is hidden. The keys of the rows choose them while the menu is open, and never else. Main thread.
 class TrayMenu : public QMenu {
     Q_OBJECT
 

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int refreshDelay = 200;    // milliseconds
-constexpr int longestOpen = 10000;   // milliseconds; not every tray says that its menu has closed
+constexpr int refreshDelay = 200;  // milliseconds
+constexpr int longestOpen = 10000; // milliseconds; not every tray says that its menu has closed
 
 } // namespace
 
@@ -116,6 +116,11 @@ void TrayStatusItem::setPaused(bool paused)
 void TrayStatusItem::applyIcon()
 {
     icon->setIcon(kind == Kind::notifier ? namedStatusIcon(paused_) : drawnStatusIcon(paused_));
+}
+
+QRect TrayStatusItem::geometry() const
+{
+    return icon ? icon->geometry() : QRect();
 }
 
 void TrayStatusItem::popUpMenu(const QPoint &lowerRight)

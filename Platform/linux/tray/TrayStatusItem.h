@@ -12,9 +12,9 @@ class TrayMenu;
 
 // The status item of a Linux desktop, as a StatusNotifierItem or as an embedded window.
 //
-// Qt settles which of the two it makes when the first icon is made, by the trays of that moment, and waits for the
-// answer of the notifier's watcher. So the icon is made only when there is a tray that has just answered. Once made
-// it stays of its kind: it leaves with a tray of that kind and comes back with the next.
+// Qt settles which of the two it makes when the first icon is made, by the trays of that moment, and waits
+// for the answer of the notifier's watcher. So the icon is made only when there is a tray that has just
+// answered. Once made it stays of its kind: it leaves with a tray of that kind and comes back with the next.
 class TrayStatusItem : public QObject, public StatusItem {
     Q_OBJECT
 
@@ -27,6 +27,8 @@ public:
     void setPaused(bool paused) override;
     [[nodiscard]] bool isAvailable() const override { return available; }
     void popUpMenu(const QPoint &lowerRight) override;
+
+    [[nodiscard]] QRect geometry() const; // on the screen; empty where the tray does not tell
 
 private:
     enum class Kind { none, notifier, embedded };

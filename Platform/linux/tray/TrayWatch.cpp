@@ -49,8 +49,8 @@ int screenNumber()
 
 } // namespace
 
-// The names of the freedesktop.org system tray protocol: the tray owns the selection, and says so with a MANAGER
-// message to the root window when it begins to.
+// The names of the freedesktop.org system tray protocol: the tray owns the selection, and says so with a
+// MANAGER message to the root window when it begins to.
 struct TrayWatch::Atoms {
     xcb_atom_t selection = XCB_ATOM_NONE;
     xcb_atom_t manager = XCB_ATOM_NONE;
@@ -78,10 +78,11 @@ void TrayWatch::watchNotifier()
         return;
     }
     auto bus = QDBusConnection::sessionBus();
-    ownerWatch = std::make_unique<QDBusServiceWatcher>(watcherName, bus, QDBusServiceWatcher::WatchForOwnerChange);
+    ownerWatch =
+        std::make_unique<QDBusServiceWatcher>(watcherName, bus, QDBusServiceWatcher::WatchForOwnerChange);
     connect(ownerWatch.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayWatch::askNotifier);
-    for (const auto &change : {QStringLiteral("StatusNotifierHostRegistered"),
-                               QStringLiteral("StatusNotifierHostUnregistered")})
+    for (const auto &change :
+         {QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered")})
         bus.connect(QString(), watcherPath, watcherName, change, this, SLOT(askNotifier()));
     askNotifier();
 }
@@ -90,9 +91,8 @@ void TrayWatch::watchNotifier()
 void TrayWatch::askNotifier()
 {
     askingAgain.stop();
-    auto message = QDBusMessage::createMethodCall(watcherName, watcherPath,
-                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                  QStringLiteral("Get"));
+    auto message = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     message << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
     message.setAutoStartService(false);
     question = std::make_unique<QDBusPendingCallWatcher>(
@@ -133,7 +133,7 @@ void TrayWatch::watchEmbedder()
     };
     const auto atomOf = [server](xcb_intern_atom_cookie_t cookie) {
         const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, cookie, nullptr));
-        return reply ? reply->atom : XCB_ATOM_NONE;
+        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     };
     const auto selectionCookie = intern(selection);
     const auto managerCookie = intern(manager);

@@ -9,8 +9,8 @@
 class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
 
-// Which trays the desktop has: one that takes StatusNotifierItems over the session bus, one that embeds windows, or
-// both. Knows of trays that come and go. Main thread; no question waits for its answer.
+// Which trays the desktop has: one that takes StatusNotifierItems over the session bus, one that embeds
+// windows, or both. Knows of trays that come and go. Main thread; no question waits for its answer.
 class TrayWatch : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
