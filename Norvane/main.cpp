@@ -26,7 +26,7 @@ void chooseIconTheme()
 // True when a running instance took the request over.
 bool handOver(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
+    [[maybe_unused]] const QCoreApplication application(argc, argv);
     return makeApplicationInstance()->ask(QStringLiteral("show"));
 }
 

@@ -33,7 +33,7 @@ endif()
 
 # One precompiled header for all, compiled once: headers, not the optimizer, are what a build of ours costs.
 function(nv_prepare_precompiled_header)
-    file(WRITE ${CMAKE_BINARY_DIR}/precompiled.cpp "")
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/precompiled.cpp CONTENT "// A target needs a source.\n")
     add_library(precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
     target_link_libraries(precompiled PRIVATE houseRules Qt6::Widgets)
     target_precompile_headers(precompiled PRIVATE

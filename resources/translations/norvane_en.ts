@@ -267,5 +267,13 @@
         <source>⌃⌥⇧⌘</source>
         <translation>Super+Ctrl+Alt+Shift+</translation>
     </message>
+    <message>
+        <source>1 byte</source>
+        <translation>1 byte</translation>
+    </message>
+    <message>
+        <source>%@ byte</source>
+        <translation>%@ bytes</translation>
+    </message>
 </context>
 </TS>

@@ -41,8 +41,8 @@ TEST_F(ClipTableViewTest, RowsOfTwoHeightsFollowEachOther)
     list(7);
     for (int row = 0; row < 7; ++row) {
         EXPECT_EQ(rect(row).height(), ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
-        if (row > 0)
-            EXPECT_EQ(rect(row).top(), rect(row - 1).bottom() + 1 + 2) << row;
+        const int above = row > 0 ? rect(row - 1).bottom() + 1 : 0;
+        EXPECT_EQ(rect(row).top(), above + 2) << row;
         EXPECT_EQ(view.indexAt(rect(row).center()).row(), row);
     }
     EXPECT_FALSE(view.indexAt({10, rect(6).bottom() + 20}).isValid());

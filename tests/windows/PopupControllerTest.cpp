@@ -62,7 +62,7 @@ protected:
     QString count() { return popup.window().countLabel->text(); }
     int row() { return popup.window().tableView->selectedRow(); }
     SearchField &field() { return *popup.window().searchField; }
-    int beeps() { return static_cast<MemoryWorkspace &>(*platform->workspace).beepCount(); }
+    int beeps() { return static_cast<MemoryWorkspace &>(*platform->workspace).beepCount; }
 
     QTemporaryDir folder;
     std::unique_ptr<Platform> platform = makeMemoryPlatform();
@@ -124,8 +124,7 @@ TEST_F(PopupControllerTest, EachKeyPicksItsClipInItsMode)
         key(c.key, c.modifiers);
         EXPECT_EQ(popup.isVisible(), c.row < 0);
         EXPECT_EQ(picked, c.row < 0 ? nullptr : store.clips()[static_cast<size_t>(c.row)]);
-        if (c.row >= 0)
-            EXPECT_EQ(pickedMode, c.mode);
+        EXPECT_EQ(picked ? pickedMode : c.mode, c.mode);
         popup.hide();
     }
 }

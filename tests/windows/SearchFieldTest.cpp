@@ -21,7 +21,7 @@ struct SearchFieldTest : ::testing::Test {
     {
         field.show();
         field.setFocus();
-        QTest::qWaitForWindowExposed(&field);
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&field));
     }
     QByteArray copied() { return pasteboard.snapshot()->items.at(0).data(PasteboardType::plainText).value(); }
 };

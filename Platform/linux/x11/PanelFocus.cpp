@@ -1,0 +1,77 @@
+#include "Platform/linux/x11/PanelFocus.h"
+
+#include "Platform/linux/x11/RememberedWindow.h"
+#include "Platform/linux/x11/WindowProperties.h"
+
+#include <algorithm>
+
+namespace {
+
+bool isViewable(XcbConnection &connection, xcb_window_t window)
+{
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        connection.raw(), xcb_get_window_attributes(connection.raw(), window), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+} // namespace
+
+void PanelFocus::remember(xcb_window_t panel)
+{
+    const XcbReply<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection.raw(), xcb_get_input_focus(connection.raw()), nullptr));
+    if (!focus || focus->focus == panel)
+        return;
+    savedFocus = focus->focus;
+    savedRevertTo = focus->revert_to;
+}
+
+bool PanelFocus::take(xcb_window_t panel, quint32 time)
+{
+    return set(panel, XCB_INPUT_FOCUS_PARENT, time) && focusWindow(connection) == panel;
+}
+
+void PanelFocus::giveBack(xcb_window_t panel, quint32 time)
+{
+    if (focusWindow(connection) != panel)
+        return;
+    if (set(savedFocus, savedRevertTo, time) && focusWindow(connection) != panel)
+        return;
+    // Gone, hidden, or the time was too old for the server: the panel must not keep what it cannot use.
+    if (set(savedFocus, savedRevertTo, XCB_CURRENT_TIME) || activateTopmost())
+        return;
+    static_cast<void>(set(XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME));
+}
+
+bool PanelFocus::set(xcb_window_t window, uint8_t revertTo, quint32 time)
+{
+    const XcbReply<xcb_generic_error_t> refused(xcb_request_check(
+        connection.raw(), xcb_set_input_focus_checked(connection.raw(), revertTo, window, time)));
+    return !refused && xcb_connection_has_error(connection.raw()) == 0;
+}
+
+// The window manager gives the focus when it gets to it; until then nothing has it.
+bool PanelFocus::activateTopmost()
+{
+    constexpr quint32 mostWindows = 4096;
+    constexpr uint32_t fromPager = 2; // the source that managers obey without asking for user activity
+    const auto stack = readUnits(connection.raw(), connection.root(),
+                                 connection.atom("_NET_CLIENT_LIST_STACKING"), XCB_ATOM_WINDOW, mostWindows);
+    const auto topmost = std::find_if(stack.rbegin(), stack.rend(), [this](xcb_window_t window) {
+        return isViewable(connection, window) && !isDock(connection, window);
+    });
+    if (topmost == stack.rend())
+        return false;
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = *topmost;
+    message.type = connection.atom("_NET_ACTIVE_WINDOW");
+    message.data.data32[0] = fromPager;
+    static_cast<void>(set(XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME));
+    xcb_send_event(connection.raw(), 0, connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char *>(&message));
+    connection.flush();
+    return true;
+}

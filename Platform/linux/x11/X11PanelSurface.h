@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Platform/PanelSurface.h"
+#include "Platform/linux/x11/PanelFocus.h"
+#include "Platform/linux/x11/RawClicks.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+#include <memory>
+#include <optional>
+
+class X11HotKeys;
+class X11Workspace;
+
+// The panel as a window that the window manager leaves alone, so that the program in front stays as it is. It
+// takes the input focus while it is open and gives it back.
+//
+// A dialog that is to open over the panel must be its child and carry Qt::BypassWindowManagerHint, or it lies
+// beneath; it gets the keyboard here, and the panel gets it back when the dialog closes.
+class X11PanelSurface : public QObject, public PanelSurface {
+public:
+    X11PanelSurface(X11HotKeys &keys, X11Workspace &desktop);
+    ~X11PanelSurface() override;
+
+    void adopt(QWidget *widget) override;
+    void present(const QRect &geometry) override;
+    void dismiss() override;
+    bool isPresented() const override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void shape();
+    void showAndTakeKeyboard();
+    void takeKeyboardByGrab();
+    void retakeFocus();
+    void whenChildClosed();
+    void whenDeactivated();
+    void whenPressed(const std::vector<quint32> &windows, quint32 time);
+    void requestDismiss(quint32 time = 0);
+    [[nodiscard]] bool hasOpenChild() const;
+    [[nodiscard]] quint32 nativeWindow() const;
+
+    X11HotKeys &hotKeys;
+    X11Workspace &workspace;
+    QPointer<QWidget> panel;
+    RawClicks clicks;
+    std::unique_ptr<PanelFocus> focus;  // null without an X server
+    std::optional<quint32> dismissTime; // of the click that closes the panel
+    QElapsedTimer childClosed;
+    bool presented = false;
+    bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
+};

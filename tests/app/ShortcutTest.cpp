@@ -1,0 +1,103 @@
+#include "Norvane/app/Shortcut.h"
+
+#include "Platform/memory/MemoryPlatform.h"
+#include "Vesmo/Localisation.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ModifierFlag;
+using Layout = MemoryKeyboardLayout::Layout;
+
+// A layout with one key of our choice.
+class OneKeyLayout : public KeyboardLayout {
+public:
+    OneKeyLayout(std::optional<QString> keyText, std::optional<QString> keyName)
+        : text(std::move(keyText)), name(std::move(keyName))
+    {
+    }
+    [[nodiscard]] std::optional<QString> layoutCharacter(quint32) const override { return text; }
+    [[nodiscard]] std::optional<QString> symbolName(quint32) const override { return name; }
+
+private:
+    std::optional<QString> text, name;
+};
+
+TEST(ShortcutTest, SymbolsStandInAFixedOrderBeforeTheKeysName)
+{
+    loadTranslations(QStringLiteral("none"));
+    const MemoryKeyboardLayout us;
+    const std::pair<Shortcut, QString> cases[] = {
+        {{}, "⌥⌘V"},
+        {{0, control | shift | command}, "⌃⇧⌘A"},
+        {{0, command | shift | option | control}, "⌃⌥⇧⌘A"},
+        {{96, 0}, "F5"},
+        {{79, option}, "⌥F18"},
+        {{49, command}, "⌘Spazio"},
+        {{51, 0x10000 | 0x800000}, "⌫"}, // other bits of a stored mask mean nothing
+        {{121, shift}, "⇧⇟"},
+        {{10, 0}, "#10"},
+    };
+    for (const auto &[shortcut, text] : cases)
+        EXPECT_EQ(displayString(shortcut, us), text) << text.toStdString();
+}
+
+TEST(ShortcutTest, ThisDesktopsTablesSpellModifiersAndSymbolsOut)
+{
+    const MemoryKeyboardLayout us;
+    loadTranslations(QStringLiteral("en"));
+    EXPECT_EQ(displayString({}, us), u"Ctrl+Alt+V");
+    EXPECT_EQ(displayString({49, all}, us), u"Super+Ctrl+Alt+Shift+Space");
+    loadTranslations(QStringLiteral("it"));
+    EXPECT_EQ(displayString({117, shift | control}, us), u"Super+Maiusc+Canc");
+    EXPECT_EQ(displayString({96, shift}, us), u"Maiusc+F5");
+}
+
+TEST(ShortcutTest, AKeyWithoutANameOfItsOwnIsNamedByTheLayout)
+{
+    loadTranslations(QStringLiteral("none"));
+    EXPECT_EQ(keyName(9, MemoryKeyboardLayout(Layout::dvorak)), u"K");
+    EXPECT_EQ(keyName(33, MemoryKeyboardLayout(Layout::italian)), u"È");
+    EXPECT_EQ(keyName(12, OneKeyLayout("ß", {})), u"SS");
+    EXPECT_EQ(keyName(76, OneKeyLayout("\r", {})), u"#76"); // nothing that could be shown
+    EXPECT_EQ(keyName(50, OneKeyLayout({}, "Menu")), u"#50");
+    EXPECT_EQ(keyName(256 + 127, OneKeyLayout({}, "Menu")), u"Menu");
+    EXPECT_EQ(keyName(256 + 127, OneKeyLayout({}, {})), u"#383");
+    EXPECT_EQ(keyName(36, OneKeyLayout("x", "y")), u"↩");
+}
+
+TEST(ShortcutTest, TheKeyThatTypesACharacterIsTheLowestOfItsLayout)
+{
+    const MemoryKeyboardLayout us, dvorak(Layout::dvorak), italian(Layout::italian);
+    EXPECT_EQ(keyCodeFor("v", us), 9);
+    EXPECT_EQ(keyCodeFor("v", dvorak), 47);
+    EXPECT_EQ(keyCodeFor("è", italian), 33);
+    EXPECT_EQ(keyCodeFor("è", us), std::nullopt);
+    EXPECT_EQ(keyCodeFor("v", OneKeyLayout("V", {})), 0); // compared in lower case
+    EXPECT_EQ(keyCodeFor("v", OneKeyLayout({}, {})), std::nullopt);
+}
+
+TEST(ShortcutTest, JsonRoundTripsEveryMask)
+{
+    for (const quint64 modifiers : {quint64(0), quint64(1572864), all, (quint64(1) << 62) + 1}) {
+        const Shortcut shortcut{4294967295U, modifiers};
+        EXPECT_EQ(decodeShortcut(encodeShortcut(shortcut)), shortcut) << modifiers;
+    }
+    EXPECT_EQ(decodeShortcut(" {\"modifiers\": 1572864, \"keyCode\": 9.0, \"more\": []}"), Shortcut());
+    EXPECT_EQ(decodeShortcut("{\"keyCode\":9,\"modifiers\":9223372036854775808}"),
+              (Shortcut{9, quint64(1) << 63}));
+}
+
+TEST(ShortcutTest, JsonThatIsNoShortcutDecodesToNothing)
+{
+    for (const char *json :
+         {"", "garbage", "[9, 1572864]", "{\"keyCode\":9}", "{\"modifiers\":0}",
+          "{\"keyCode\":-1,\"modifiers\":0}", "{\"keyCode\":4294967296,\"modifiers\":0}",
+          "{\"keyCode\":9,\"modifiers\":1.5}", "{\"keyCode\":\"9\",\"modifiers\":0}",
+          "{\"keyCode\":9,\"modifiers\":null}", "{\"keyCode\":9,\"modifiers\":18446744073709551616}",
+          "{\"keyCode\":9,\"modifiers\":0"})
+        EXPECT_EQ(decodeShortcut(json), std::nullopt) << json;
+}
+
+} // namespace

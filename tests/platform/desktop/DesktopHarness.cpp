@@ -1,0 +1,182 @@
+#include "tests/platform/desktop/DesktopHarness.h"
+
+#include "Platform/linux/x11/WindowProperties.h"
+
+#include <QVBoxLayout>
+#include <gtest/gtest.h>
+#include <xcb/xtest.h>
+
+Hand::Hand() : connection(XcbConnection::open()) {}
+
+void Hand::press(int key, unsigned delay)
+{
+    xcb_test_fake_input(connection->raw(), XCB_KEY_PRESS, static_cast<uint8_t>(key), delay, 0, 0, 0, 0);
+    connection->flush();
+}
+
+void Hand::release(int key, unsigned delay)
+{
+    xcb_test_fake_input(connection->raw(), XCB_KEY_RELEASE, static_cast<uint8_t>(key), delay, 0, 0, 0, 0);
+    connection->flush();
+}
+
+void Hand::tap(int key)
+{
+    press(key);
+    release(key);
+}
+
+void Hand::chord(std::initializer_list<int> keys)
+{
+    for (const int key : keys)
+        press(key);
+    for (auto key = std::rbegin(keys); key != std::rend(keys); ++key)
+        release(*key);
+}
+
+void Hand::click(QPoint place)
+{
+    const auto x = static_cast<int16_t>(place.x()), y = static_cast<int16_t>(place.y());
+    xcb_test_fake_input(connection->raw(), XCB_MOTION_NOTIFY, 0, 0, connection->root(), x, y, 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_PRESS, 1, 0, 0, 0, 0, 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_RELEASE, 1, 20, 0, 0, 0, 0);
+    connection->flush();
+}
+
+void Hand::wheel(QPoint place)
+{
+    const auto x = static_cast<int16_t>(place.x()), y = static_cast<int16_t>(place.y());
+    xcb_test_fake_input(connection->raw(), XCB_MOTION_NOTIFY, 0, 0, connection->root(), x, y, 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_PRESS, 5, 0, 0, 0, 0, 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_RELEASE, 5, 0, 0, 0, 0, 0);
+    connection->flush();
+}
+
+void Hand::setFocus(quint32 window)
+{
+    xcb_set_input_focus(connection->raw(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    settle();
+}
+
+quint32 Hand::focus()
+{
+    const XcbReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection->raw(), xcb_get_input_focus(connection->raw()), nullptr));
+    return reply ? reply->focus : 0;
+}
+
+bool Hand::isDown(int key)
+{
+    const XcbReply<xcb_query_keymap_reply_t> keys(
+        xcb_query_keymap_reply(connection->raw(), xcb_query_keymap(connection->raw()), nullptr));
+    return keys && (keys->keys[key / 8] >> (key % 8) & 1) != 0;
+}
+
+void Hand::settle()
+{
+    static_cast<void>(focus());
+}
+
+Neighbour::Neighbour()
+{
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, &process, [this] { read(); });
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QStringLiteral(NEIGHBOUR), QStringList());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window != 0 && focused; }, 15000)) << "no neighbour";
+}
+
+Neighbour::~Neighbour()
+{
+    process.closeWriteChannel();
+    if (process.state() != QProcess::NotRunning && !process.waitForFinished(5000))
+        process.kill();
+}
+
+void Neighbour::kill()
+{
+    process.kill();
+    process.waitForFinished(5000);
+}
+
+void Neighbour::read()
+{
+    while (process.canReadLine()) {
+        const QString line = QString::fromUtf8(process.readLine()).chopped(1);
+        const QString rest = line.section(QLatin1Char(' '), 1);
+        if (line.startsWith(u"window "))
+            window = rest.toUInt();
+        else if (line.startsWith(u"text"))
+            text = rest;
+        else if (line == u"focused" || line == u"unfocused")
+            focused = line == u"focused";
+        else if (line == u"owned")
+            owned = true;
+        else if (line.startsWith(u"report "))
+            lastReport = Report{rest.section(QLatin1Char(' '), 0, 0).toInt(),
+                                rest.section(QLatin1Char(' '), 1).toInt()};
+    }
+}
+
+void Neighbour::order(const QByteArray &line)
+{
+    process.write(line + '\n');
+}
+
+bool Neighbour::waitForText(const QString &wanted)
+{
+    return QTest::qWaitFor([&] { return text == wanted; }, 5000);
+}
+
+bool Neighbour::waitForFocus(bool wanted)
+{
+    return QTest::qWaitFor([&] { return focused == wanted; }, 5000);
+}
+
+bool Neighbour::own(const QByteArray &content)
+{
+    owned = false;
+    order("own " + content);
+    return QTest::qWaitFor([this] { return owned; }, 5000);
+}
+
+Neighbour::Report Neighbour::report()
+{
+    lastReport.reset();
+    order("report");
+    static_cast<void>(QTest::qWaitFor([this] { return lastReport.has_value(); }, 5000));
+    return lastReport.value_or(Report());
+}
+
+Panel::Panel() : field(new QLineEdit)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(field);
+    field->setFocus();
+}
+
+bool runsUnderWindowManager()
+{
+    return !qEnvironmentVariableIsEmpty("NORVANE_WM");
+}
+
+Layout::Layout(const QStringList &arguments)
+{
+    EXPECT_EQ(QProcess::execute(QStringLiteral("setxkbmap"), arguments), 0);
+}
+
+Layout::~Layout()
+{
+    QProcess::execute(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
+}
+
+Lock::Lock(Hand &whose, int which) : hand(whose), key(which)
+{
+    hand.tap(key);
+    hand.settle();
+}
+
+Lock::~Lock()
+{
+    hand.tap(key);
+    hand.settle();
+}

@@ -1,0 +1,188 @@
+#include "Platform/linux/x11/X11HotKeys.h"
+
+#include "Platform/KeyCodes.h"
+#include "tests/platform/desktop/DesktopHarness.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+namespace {
+
+constexpr quint64 commandOption = ModifierFlag::command | ModifierFlag::option;
+constexpr int badAccess = 10;
+
+class HotKey : public ::testing::Test {
+protected:
+    HotKey()
+    {
+        keys->onPress = [this] { ++presses; };
+    }
+    bool waitForPresses(int wanted)
+    {
+        return QTest::qWaitFor([&] { return presses >= wanted; }, 3000);
+    }
+    void pressHotKey() { hand.chord({Hand::control, Hand::alt, Hand::v}); }
+
+    Hand hand;
+    std::unique_ptr<X11HotKeys> keys = X11HotKeys::create();
+    int presses = 0;
+};
+
+} // namespace
+
+TEST_F(HotKey, FiresOnTheMainThreadOnceAPress)
+{
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    for (int i = 1; i <= 3; ++i) {
+        pressHotKey();
+        ASSERT_TRUE(waitForPresses(i));
+        keys->releaseKeyboard();
+    }
+    hand.settle();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(presses, 3);
+}
+
+TEST_F(HotKey, HeldDownIsOnePress)
+{
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    hand.press(Hand::control);
+    hand.press(Hand::alt);
+    hand.press(Hand::v);
+    ASSERT_TRUE(waitForPresses(1));
+    keys->releaseKeyboard();
+    hand.release(Hand::v, 1200);
+    hand.release(Hand::alt);
+    hand.release(Hand::control);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !hand.isDown(Hand::v); }, 5000));
+    EXPECT_FALSE(QTest::qWaitFor([&] { return presses > 1; }, 200));
+    pressHotKey();
+    EXPECT_TRUE(waitForPresses(2));
+}
+
+TEST_F(HotKey, FiresWhateverCapsLockAndNumLockSay)
+{
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    {
+        const Lock caps(hand, Hand::capsLock);
+        pressHotKey();
+        EXPECT_TRUE(waitForPresses(1));
+        keys->releaseKeyboard();
+        const Lock num(hand, Hand::numLock);
+        pressHotKey();
+        EXPECT_TRUE(waitForPresses(2));
+        keys->releaseKeyboard();
+    }
+    const Lock num(hand, Hand::numLock);
+    pressHotKey();
+    EXPECT_TRUE(waitForPresses(3));
+}
+
+TEST_F(HotKey, ThatAnotherClientHoldsIsRefusedUntilItLetsGo)
+{
+    auto other = std::make_unique<Hand>();
+    xcb_connection_t *connection = other->server().raw();
+    xcb_grab_key(connection, 0, other->server().root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, Hand::v,
+                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    other->settle();
+    EXPECT_EQ(keys->registerHotKey(KeyCode::v, commandOption), badAccess);
+
+    other.reset();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return keys->registerHotKey(KeyCode::v, commandOption) == 0; }, 2000));
+    pressHotKey();
+    EXPECT_TRUE(waitForPresses(1));
+}
+
+TEST_F(HotKey, RefusedLeavesNoVariantBehind)
+{
+    Hand other;
+    xcb_grab_key(other.server().raw(), 0, other.server().root(),
+                 XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_LOCK, Hand::v, XCB_GRAB_MODE_ASYNC,
+                 XCB_GRAB_MODE_ASYNC);
+    other.settle();
+    EXPECT_EQ(keys->registerHotKey(KeyCode::v, commandOption), badAccess);
+    const XcbReply<xcb_generic_error_t> refused(xcb_request_check(
+        hand.server().raw(), xcb_grab_key_checked(hand.server().raw(), 0, hand.server().root(),
+                                                  XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, Hand::v,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    EXPECT_FALSE(refused);
+}
+
+TEST_F(HotKey, RegisteredTwiceInARowIsAccepted)
+{
+    EXPECT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    EXPECT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+}
+
+TEST_F(HotKey, ThatNoKeyboardHasIsRefusedAsSuch)
+{
+    for (const quint32 keyCode : {52U, 200U, 256U + 0x200U})
+        EXPECT_EQ(keys->registerHotKey(keyCode, commandOption), -1) << keyCode;
+}
+
+TEST_F(HotKey, UnregisteredGoesToTheProgramInFront)
+{
+    Neighbour neighbour;
+    ASSERT_EQ(keys->registerHotKey(256 + 16, ModifierFlag::command), 0); // outside the numbering is a key too
+    ASSERT_EQ(keys->registerHotKey(7, 0), 0);
+    hand.tap(Hand::x);
+    ASSERT_TRUE(waitForPresses(1));
+    keys->releaseKeyboard();
+    keys->unregisterHotKey();
+    hand.tap(Hand::x);
+    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("x")));
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(HotKey, LetsTheKeyboardGoWhileTheMainThreadIsBusy)
+{
+    Neighbour neighbour;
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    pressHotKey();
+    hand.tap(Hand::x);
+    // The main thread does nothing but wait here, as one does in a long computation.
+    pollfd never{-1, 0, 0};
+    poll(&never, 1, 600);
+    EXPECT_FALSE(hand.isDown(Hand::v)); // the release was processed: the keyboard was not held back any more
+    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("x")));
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(HotKey, HeldDownLeavesOtherKeysToTheProgramInFront)
+{
+    Neighbour neighbour;
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    hand.press(Hand::control);
+    hand.press(Hand::alt);
+    hand.press(Hand::v);
+    ASSERT_TRUE(waitForPresses(1));
+    keys->releaseKeyboard();
+    hand.release(Hand::alt);
+    hand.release(Hand::control);
+    hand.tap(Hand::x);
+    hand.tap(Hand::y);
+    hand.release(Hand::v);
+    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("xy")));
+    pressHotKey();
+    EXPECT_TRUE(waitForPresses(2));
+}
+
+TEST_F(HotKey, FollowsNumLockToAnotherModifier)
+{
+    ASSERT_EQ(keys->registerHotKey(KeyCode::v, commandOption), 0);
+    ASSERT_EQ(QProcess::execute(QStringLiteral("xmodmap"),
+                                {QStringLiteral("-e"), QStringLiteral("remove mod2 = Num_Lock"),
+                                 QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")}),
+              0);
+    {
+        const Lock num(hand, Hand::numLock);
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] {
+                pressHotKey();
+                keys->releaseKeyboard();
+                return presses > 0;
+            },
+            3000));
+    }
+    QProcess::execute(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
+}

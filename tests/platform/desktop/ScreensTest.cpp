@@ -1,0 +1,41 @@
+#include "Platform/linux/x11/X11Screens.h"
+
+#include "tests/platform/desktop/DesktopHarness.h"
+
+#include <gtest/gtest.h>
+
+TEST(Screens, ListTheOneThatIsThere)
+{
+    const X11Screens screens;
+    const auto areas = screens.screens();
+    ASSERT_EQ(areas.size(), 1U);
+    EXPECT_EQ(areas[0].frame, QRectF(0, 0, 1600, 1000));
+    EXPECT_EQ(areas[0].visibleFrame, areas[0].frame);
+}
+
+TEST(Screens, LeaveOutADockOnItsEdge)
+{
+    if (!runsUnderWindowManager())
+        GTEST_SKIP() << "without a window manager nobody lists the docks";
+    const X11Screens screens;
+    QWidget dock;
+    dock.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
+    dock.setGeometry(0, 0, 1600, 40);
+    Hand hand;
+    const quint32 strut[12] = {0, 0, 40, 0, 0, 0, 0, 0, 0, 1599, 0, 0};
+    xcb_change_property(hand.server().raw(), XCB_PROP_MODE_REPLACE, static_cast<quint32>(dock.winId()),
+                        hand.server().atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, 32, 12, strut);
+    hand.settle();
+    dock.show();
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return screens.screens()[0].visibleFrame == QRectF(0, 40, 1600, 960); }, 5000));
+    EXPECT_EQ(screens.screens()[0].frame, QRectF(0, 0, 1600, 1000));
+}
+
+TEST(Screens, KnowWhereThePointerIs)
+{
+    const X11Screens screens;
+    Hand hand;
+    hand.click({321, 654});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.pointer() == QPointF(321, 654); }, 2000));
+}
