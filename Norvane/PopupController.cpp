@@ -2,6 +2,7 @@
 
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
+#include "Norvane/Palette.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PopupPanel.h"
 #include "Norvane/SearchField.h"
@@ -14,6 +15,7 @@
 #include "Vesmo/Localisation.h"
 
 #include <QLabel>
+#include <QToolButton>
 
 namespace {
 
@@ -45,6 +47,11 @@ PopupController::PopupController(const Services &given)
         if (const ClipPointer clip = model.clipAt(row))
             pick(clip, PasteMode::paste);
     };
+    connect(panel->menuButton, &QToolButton::clicked, this, [this] {
+        const QPoint corner(panel->menuButton->width(), -Metrics::scaled(4));
+        if (onShowMenu)
+            onShowMenu(panel->menuButton->mapToGlobal(corner));
+    });
     connect(panel->searchField, &QLineEdit::textChanged, this, [this] { reload(false); });
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
     connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
@@ -104,6 +111,11 @@ void PopupController::hide()
     services.surface.dismiss();
 }
 
+void PopupController::setMenuButtonVisible(bool visible)
+{
+    panel->menuButton->setVisible(visible);
+}
+
 void PopupController::reload(bool keepSelection)
 {
     const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
@@ -113,7 +125,8 @@ void PopupController::reload(bool keepSelection)
     const ClipList &listed = model.results();
     if (!listed.empty()) {
         int row = 0;
-        const auto found = rememberedClip ? std::find(listed.begin(), listed.end(), rememberedClip) : listed.end();
+        const auto found =
+            rememberedClip ? std::find(listed.begin(), listed.end(), rememberedClip) : listed.end();
         if (found != listed.end())
             row = static_cast<int>(found - listed.begin());
         else if (keepSelection && rememberedRow >= 0)

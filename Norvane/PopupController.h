@@ -19,8 +19,8 @@ class QKeyEvent;
 class Screens;
 class Workspace;
 
-// The history panel: what it lists, what its keys do, what is chosen. Made once, shown and hidden any number of
-// times; owned by AppDelegate. Main thread.
+// The history panel: what it lists, what its keys do, what is chosen. Made once, shown and hidden any number
+// of times; owned by AppDelegate. Main thread.
 class PopupController : public QObject {
     Q_OBJECT
 
@@ -41,12 +41,16 @@ public:
     std::function<void(const ClipPointer &)> onOpenInEditor;
     std::function<void(const ClipPointer &)> onEdit; // null: a new clip
     std::function<void()> onShowSettings;
+    std::function<void(const QPoint &)> onShowMenu; // above this point of the screen, ending at its left
 
     [[nodiscard]] bool isVisible() const;
 
     // Lists everything anew and opens at the place the settings say. Brought forward when open already.
     void show();
     void hide();
+
+    // A small button in the panel that calls onShowMenu: where no tray has the menu.
+    void setMenuButtonVisible(bool visible);
 
     // keepSelection: the selected clip stays selected, or what took its row.
     void reload(bool keepSelection);

@@ -10,11 +10,12 @@ class FilterControl;
 class Pasteboard;
 class SearchField;
 class QLabel;
+class QToolButton;
 
 // The panel's window and its views: layout only. Main thread.
 //
-// Every key pressed in it is offered to `keyHandler` first, whichever view has the focus, then to the view's own
-// handler, then to the view. Escape that nobody takes calls `onCancel`.
+// Every key pressed in it is offered to `keyHandler` first, whichever view has the focus, then to the view's
+// own handler, then to the view. Escape that nobody takes calls `onCancel`.
 class PopupPanel : public QWidget {
     Q_OBJECT
 
@@ -30,6 +31,7 @@ public:
     ClipTableView *tableView;
     QLabel *hintLabel;
     QLabel *countLabel;
+    QToolButton *menuButton; // opens the status menu; hidden where the tray has it
 
     void setHint(const QString &hint);
 
@@ -45,5 +47,6 @@ private:
     void applyColours();
     void elideHint();
 
+    ClipIcons &icons;
     QString hint;
 };

@@ -1,4 +1,4 @@
-#include "tests/tray/NotifierHost.h"
+#include "tests/platform/tray/NotifierHost.h"
 
 #include <QDBusArgument>
 #include <QDBusPendingCall>

@@ -1,5 +1,5 @@
 #include "Platform/linux/tray/TrayStatusItem.h"
-#include "tests/tray/NotifierHost.h"
+#include "tests/platform/tray/NotifierHost.h"
 
 #include <QTest>
 #include <gtest/gtest.h>
