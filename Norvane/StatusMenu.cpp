@@ -51,13 +51,13 @@ QImage menuImage(const Clip &clip)
         return {};
     const qreal scale = qGuiApp->devicePixelRatio();
     const QSize pixels = (QSizeF(imageSize) * scale).toSize();
-    const QImage fitted = clip.thumbnail().scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const QImage &thumbnail = clip.thumbnail();
+    const QSize size = thumbnail.size().scaled(pixels, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QImage fitted = thumbnail.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    QPainter(&image).drawImage(
-        QRect(QPoint(), fitted.size())
-            .translated((pixels.width() - fitted.width()) / 2, (pixels.height() - fitted.height()) / 2),
-        fitted);
+    const QPoint corner((pixels.width() - size.width()) / 2, (pixels.height() - size.height()) / 2);
+    QPainter(&image).drawImage(corner, fitted);
     image.setDevicePixelRatio(scale);
     return image;
 }

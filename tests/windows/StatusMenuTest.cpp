@@ -166,10 +166,8 @@ TEST_F(StatusMenuTest, ThumbnailsFitAndAreCentred)
         QRect painted;
     };
     const std::vector<Case> cases = {
-        {{56, 40}, {0, 0, 28, 20}},
-        {{100, 10}, {0, 8, 28, 3}},
-        {{40, 80}, {9, 0, 10, 20}},
-        {{7, 5}, {0, 0, 28, 20}},
+        {{56, 40}, {0, 0, 28, 20}}, {{100, 10}, {0, 9, 28, 2}}, {{1000, 1}, {0, 9, 28, 1}},
+        {{40, 80}, {9, 0, 10, 20}}, {{7, 5}, {0, 0, 28, 20}},
     };
     for (const auto &c : cases) {
         const QImage image = menu({imageClip(c.thumbnail)})[firstClip].image;
