@@ -2,7 +2,8 @@
 
 #include "Platform/Platform.h"
 
-// Sets what Qt must know before its application object is made (the X11 platform plug-in in a Wayland session).
+// Sets what Qt must know before its application object is made (the X11 platform plug-in in a Wayland
+// session).
 void prepareLinuxEnvironment();
 
 // The way to the running instance; needs a QCoreApplication.
@@ -11,5 +12,6 @@ void prepareLinuxEnvironment();
 // The services of a Linux desktop over X11; needs a QApplication on the xcb platform. Logs what is missing.
 [[nodiscard]] std::unique_ptr<Platform> makeLinuxPlatform();
 
-// SIGTERM and SIGINT end the event loop. Call once, after the application object exists.
+// SIGTERM, SIGINT and SIGHUP end the event loop; the same one again ends the process. Call once, after the
+// application object exists.
 void quitOnTerminationSignals();

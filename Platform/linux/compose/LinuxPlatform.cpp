@@ -1,0 +1,46 @@
+#include "Platform/linux/compose/LinuxPlatform.h"
+
+#include "Platform/linux/compose/AbsentPasteboard.h"
+#include "Platform/linux/dbus/DBusInstance.h"
+#include "Platform/linux/x11/X11HotKeys.h"
+#include "Platform/linux/x11/X11KeyEvents.h"
+#include "Platform/linux/x11/X11KeyboardLayout.h"
+#include "Platform/linux/x11/X11PanelSurface.h"
+#include "Platform/linux/x11/X11Pasteboard.h"
+#include "Platform/linux/x11/X11Screens.h"
+#include "Platform/linux/x11/X11Workspace.h"
+#include "Platform/linux/xdg/XdgDesktopEntries.h"
+#include "Platform/linux/xdg/XdgUserDefaults.h"
+
+std::unique_ptr<ApplicationInstance> makeApplicationInstance()
+{
+    return std::make_unique<DBusInstance>();
+}
+
+std::unique_ptr<Platform> makeLinuxPlatform()
+{
+    auto platform = std::make_unique<Platform>();
+    auto entries = std::make_shared<XdgDesktopEntries>();
+    entries->prewarm(); // before the first window asks on the main thread
+    platform->desktopEntries = entries;
+    platform->defaults = std::make_unique<XdgUserDefaults>();
+    platform->keyboardLayout = std::make_unique<X11KeyboardLayout>();
+
+    auto workspace = std::make_unique<X11Workspace>(entries);
+    auto hotKeys = X11HotKeys::create();
+    platform->panelSurface = std::make_unique<X11PanelSurface>(*hotKeys, *workspace);
+
+    std::function<void()> ownPrimary = [] {};
+    if (auto pasteboard = X11Pasteboard::create(entries)) {
+        ownPrimary = [served = pasteboard.get()] { served->ownPrimary(); };
+        platform->pasteboard = std::move(pasteboard);
+    } else {
+        platform->pasteboard = std::make_unique<AbsentPasteboard>();
+    }
+    // The platform destroys what was given the workspace, the hot keys and the pasteboard before these.
+    platform->keyEvents = std::make_unique<X11KeyEvents>(*workspace, std::move(ownPrimary));
+    platform->workspace = std::move(workspace);
+    platform->hotKeys = std::move(hotKeys);
+    platform->screens = std::make_unique<X11Screens>();
+    return platform;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <algorithm>
+#include <array>
+
+// What an instance can be asked to do.
+[[nodiscard]] inline bool isInstanceAction(const QString &action)
+{
+    constexpr std::array<QStringView, 3> actions{u"show", u"toggle", u"hide"};
+    return std::ranges::find(actions, QStringView(action)) != actions.end();
+}
+
+inline constexpr int instanceAnswerLimit = 1000; // milliseconds

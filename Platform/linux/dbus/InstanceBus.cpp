@@ -1,0 +1,88 @@
+#include "Platform/linux/dbus/InstanceBus.h"
+
+#include "Platform/linux/dbus/BusProbe.h"
+#include "Platform/linux/dbus/InstanceActions.h"
+#include "Platform/linux/dbus/OpenApplication.h"
+
+#include <QDBusConnectionInterface>
+#include <QFileInfo>
+#include <QTimer>
+
+namespace {
+
+const QString sharedName = QStringLiteral("com.norvane.app");
+const QString objectPath = QStringLiteral("/com/norvane/app");
+
+// Where the session's bus is said to be. Never left to libdbus, which would start one where none is.
+QString busAddress()
+{
+    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (address.startsWith(u"autolaunch:"))
+        return {};
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!address.isEmpty() || runtimeFolder.isEmpty())
+        return address;
+    const QString socket = runtimeFolder + QStringLiteral("/bus");
+    if (!QFileInfo::exists(socket))
+        return {};
+    return QStringLiteral("unix:path=") + QString::fromLatin1(socket.toUtf8().toPercentEncoding("/"));
+}
+
+} // namespace
+
+std::unique_ptr<InstanceBus> InstanceBus::connect(const QString &displayName)
+{
+    static int connections = 0;
+    const QString address = busAddress();
+    if (address.isEmpty() || !busAnswers(address, instanceAnswerLimit))
+        return nullptr;
+    const auto bus = QDBusConnection::connectToBus(address, QStringLiteral("norvane-%1").arg(++connections));
+    return bus.isConnected() ? std::unique_ptr<InstanceBus>(new InstanceBus(bus, displayName)) : nullptr;
+}
+
+InstanceBus::InstanceBus(const QDBusConnection &busConnection, const QString &displayName)
+    : connection(busConnection), name(sharedName + QStringLiteral(".display") + displayName)
+{
+    // From the event loop, so that the caller has its answer before a panel is shown.
+    const auto handle = [this](const QString &action) {
+        QTimer::singleShot(0, &object, [this, action] {
+            if (onAction)
+                onAction(action);
+        });
+    };
+    new OpenApplication(&object, connection, handle);
+}
+
+InstanceBus::~InstanceBus()
+{
+    const QString connectionName = connection.name();
+    connection.unregisterObject(objectPath);
+    QDBusConnection::disconnectFromBus(connectionName);
+}
+
+bool InstanceBus::claim()
+{
+    if (!connection.registerObject(objectPath, &object, QDBusConnection::ExportAdaptors))
+        return connection.objectRegisteredAt(objectPath) == &object; // claimed before
+    const auto own = [this](const QString &wanted) {
+        const auto reply =
+            connection.interface()->registerService(wanted, QDBusConnectionInterface::DontQueueService,
+                                                    QDBusConnectionInterface::DontAllowReplacement);
+        return reply.value() == QDBusConnectionInterface::ServiceRegistered;
+    };
+    if (own(name)) {
+        own(sharedName); // another display's instance may have it: the desktop's calls are for one only
+        return true;
+    }
+    connection.unregisterObject(objectPath);
+    return false;
+}
+
+bool InstanceBus::ask(const QString &action)
+{
+    auto message = QDBusMessage::createMethodCall(
+        name, objectPath, QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
+    message << action << QVariantList() << QVariantMap();
+    message.setAutoStartService(false);
+    return connection.call(message, QDBus::Block, instanceAnswerLimit).type() == QDBusMessage::ReplyMessage;
+}
