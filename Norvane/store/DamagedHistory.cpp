@@ -7,14 +7,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <limits>
 #include <unordered_set>
 
 namespace {
 
 constexpr const char *sideFiles[] = {"-wal", "-shm"};
 
-// Failing look-ups in a row after which the rest of a table is given up: some seconds.
-constexpr int mostFailures = 200000;
+// Failing look-ups in a row after which the rest of a table is given up: half a second.
+constexpr int mostFailures = 100000;
 
 constexpr char readClips[] =
     "SELECT id, kind, text, hash, created, app_id, app_name, pinned, size, width, height, thumb, ocr "
@@ -48,6 +49,8 @@ bool isTaken(const QString &path)
 void readRows(Database &db, const QByteArray &table, const QByteArray &select,
               const std::function<void(const SQLRow &)> &take)
 {
+    if (db.columns(table).isEmpty())
+        return; // no table, or not even a list of tables
     qint64 last = std::numeric_limits<qint64>::max();
     db.query("SELECT max(rowid) FROM " + table, {}, [&last](const SQLRow &row) { last = row.integer(0); });
     qint64 next = 1;

@@ -107,6 +107,8 @@ std::unique_ptr<Database> Database::open(const QString &path, Access access)
     if (access == Access::readWrite) {
         opened->exec("PRAGMA journal_mode = WAL");
         opened->exec("PRAGMA foreign_keys = ON");
+    } else {
+        opened->exec("PRAGMA writable_schema = ON"); // or nothing at all is read of a file that was cut off
     }
     return opened;
 }
