@@ -3,13 +3,13 @@
 #include "Norvane/capture/PasteboardReader.h"
 
 #include <QObject>
-#include <QTimer>
 #include <functional>
 #include <memory>
 
 class Preferences;
 
-// Notices every change of the pasteboard, decides whether it is recorded and hands the capture over. Main thread.
+// Notices every change of the pasteboard, decides whether it is recorded and hands the capture over. Main
+// thread.
 //
 // The byte work of a capture runs on one serial worker; captures arrive in the order of the copies.
 class ClipboardMonitor : public QObject {
@@ -33,10 +33,13 @@ public:
     // Keeps what the program has just written out of the history.
     void ignoreCurrentChange();
 
-    // Calls back when every copy made until now has been read and delivered: before this returns if so already.
+    // Calls back when every copy made until now has been read and delivered: before this returns if so
+    // already.
     void whenCaughtUp(std::function<void()> callback);
 
 private:
+    void applyPolicy(); // tells the pasteboard which bytes are worth fetching
+
     struct Private;
     std::unique_ptr<Private> d;
     bool isPaused_ = false;

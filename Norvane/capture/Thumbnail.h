@@ -6,7 +6,8 @@
 
 // The size of an image and a small PNG of it. Any thread.
 struct Thumbnail {
-    QSizeF pixelSize{0, 0}; // of the whole image as it lies in the file, before its orientation; 0 × 0 when unknown
+    // Of the whole image as it lies in the file, before its orientation; 0 × 0 when unknown.
+    QSizeF pixelSize{0, 0};
     std::optional<QByteArray> png;
 };
 

@@ -15,8 +15,8 @@ class Workspace;
 // Clears the pasteboard and writes the formats as items, grouped and ordered by their item number.
 void writeFormats(const std::vector<ClipFormat> &formats, Pasteboard &pasteboard);
 
-// Puts a chosen clip on the pasteboard and, when the user wants it, pastes it into the program in front. Owned by
-// AppDelegate. Main thread.
+// Puts a chosen clip on the pasteboard and, when the user wants it, pastes it into the program in front.
+// Owned by AppDelegate. Main thread.
 class PasteService : public QObject {
     Q_OBJECT
 
