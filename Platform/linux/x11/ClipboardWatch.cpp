@@ -1,0 +1,303 @@
+#include "Platform/linux/x11/ClipboardWatch.h"
+
+#include "Platform/linux/x11/ServedContent.h"
+
+#include <algorithm>
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr seconds readLimit(5);
+constexpr seconds retryDelay(3);
+constexpr milliseconds clearGrace(50);   // LibreOffice lets go for 2 ms whenever it copies again
+constexpr milliseconds answerGrace(100); // for the answer of an owner that has let go
+constexpr qint64 minTextBudget = 64LL * 1048576;
+
+bool withholdsText(const std::vector<PasteboardItem> &items)
+{
+    return std::any_of(items.begin(), items.end(), [](const PasteboardItem &item) {
+        return std::any_of(item.representations.begin(), item.representations.end(), [](const auto &each) {
+            return each.type == PasteboardType::plainText && !each.data;
+        });
+    });
+}
+
+qint64 sizeOf(const std::vector<PasteboardItem> &items)
+{
+    qint64 size = 0;
+    for (const PasteboardItem &item : items) {
+        for (const PasteboardRepresentation &each : item.representations)
+            size += each.data ? each.data->size() : 0;
+    }
+    return size;
+}
+
+} // namespace
+
+ClipboardWatch::ClipboardWatch(PasteboardConnection &connection,
+                               std::shared_ptr<const DesktopEntries> entries,
+                               std::function<void(ForeignCopy)> publishCopy, std::function<void()> wake)
+    : x(connection), ring(connection), front(connection, std::move(entries)), publish(std::move(publishCopy)),
+      pictures(std::move(wake))
+{
+}
+
+void ClipboardWatch::begin()
+{
+    if (owner != XCB_WINDOW_NONE || claimSequence)
+        return; // somebody was faster, and is being read
+    const auto cookie = xcb_get_selection_owner(x.raw(), x.atoms().clipboard);
+    auto *reply = xcb_get_selection_owner_reply(x.raw(), cookie, nullptr);
+    owner = reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+    std::free(reply);
+    wantsRead = owner != XCB_WINDOW_NONE;
+}
+
+void ClipboardWatch::handleOwnerChange(const xcb_xfixes_selection_notify_event_t &event, uint32_t sequence,
+                                       TimePoint now)
+{
+    if (event.selection != x.atoms().clipboard || (claimSequence && isBefore(sequence, *claimSequence)))
+        return;
+    claimSequence.reset();
+    if (event.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER && event.owner == x.window())
+        return; // counted when it was written
+    retryDue.reset();
+    retrying = false;
+    if (event.subtype != XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER) {
+        owner = XCB_WINDOW_NONE; // it has died, which is no change of what was copied
+        textReader.reset();
+        if (reader)
+            reader->stop();
+    } else if (event.owner == XCB_WINDOW_NONE) {
+        owner = XCB_WINDOW_NONE;
+        clearDue = now + clearGrace;
+        if (reader)
+            reader->finishBy(now + answerGrace);
+    } else {
+        const qint64 unpublished = changes;
+        forgetForeign();
+        owner = event.owner;
+        changes = unpublished + 1;
+        wantsRead = true;
+    }
+}
+
+void ClipboardWatch::forgetForeign()
+{
+    reader.reset();
+    textReader.reset();
+    reencoding.reset();
+    clearDue.reset();
+    retryDue.reset();
+    retrying = false;
+    wantsRead = false;
+    changes = 0;
+}
+
+void ClipboardWatch::noticeClaim(const PasteboardConnection::Claim &claim, qint64 write)
+{
+    forgetForeign();
+    claimSequence = claim.sequence;
+    writesSeen = write;
+    owner = claim.owner;
+    textWithheld = false;
+    if (claim.result == PasteboardConnection::Claim::Result::refused) {
+        changes = 1;
+        wantsRead = true;
+    }
+}
+
+void ClipboardWatch::handleAnswer(const xcb_selection_notify_event_t &event, TimePoint now)
+{
+    if ((reader && reader->handleAnswer(event, now)) || (textReader && textReader->handleAnswer(event, now)))
+        return;
+    if (event.property != XCB_ATOM_NONE)
+        ring.discard(event.property);
+    if (retryDue)
+        retryDue = now; // a late answer: its owner hangs no more
+}
+
+void ClipboardWatch::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
+{
+    if ((reader && reader->handleProperty(event, now)) ||
+        (textReader && textReader->handleProperty(event, now)))
+        return;
+    if (event.state == XCB_PROPERTY_NEW_VALUE)
+        ring.discard(event.atom);
+}
+
+void ClipboardWatch::advance(TimePoint now)
+{
+    if (retryDue && now >= *retryDue) {
+        retryDue.reset();
+        retrying = true;
+        changes = retryChanges;
+        wantsRead = true;
+    }
+    if (wantsRead)
+        startRead(now);
+    if (reader)
+        reader->advance(now);
+    if (reader && reader->isFinished())
+        finishRead(now);
+    if (reencoding)
+        finishReencoding(now);
+    if (clearDue && now >= *clearDue && !isReading()) {
+        clearDue.reset();
+        ++changes;
+        frontApplication = front.application();
+        publishItems({});
+    }
+    advanceTexts(now);
+    if (isIdle()) {
+        for (const auto &callback : std::exchange(idleCallbacks, {}))
+            callback();
+    }
+}
+
+TimePoint ClipboardWatch::deadline() const
+{
+    TimePoint first = TimePoint::max();
+    for (const auto &due : {clearDue, retryDue})
+        first = std::min(first, due.value_or(TimePoint::max()));
+    if (reader)
+        first = std::min(first, reader->deadline());
+    if (textReader)
+        first = std::min(first, textReader->deadline());
+    if (reencoding)
+        first = std::min(first, reencoding->due);
+    for (const TextRequest &each : textRequests)
+        first = std::min(first, each.limit);
+    return first;
+}
+
+SelectionReader::Options ClipboardWatch::optionsFor(SelectionReader::Scope scope, Clock::duration limit)
+{
+    // Two reads within a millisecond still have times of their own. An owner checks only that it is not too
+    // early.
+    const xcb_timestamp_t time = x.serverTime();
+    lastReadTime = isBefore(lastReadTime, time) || lastReadTime == 0 ? time : lastReadTime + 1;
+    qint64 budget = policy.byteBudget;
+    if (scope == SelectionReader::Scope::text)
+        budget = std::max(budget, minTextBudget);
+    return {x.atoms().clipboard, lastReadTime, scope, budget, policy.images, policy.files, limit};
+}
+
+void ClipboardWatch::startRead(TimePoint now)
+{
+    wantsRead = false;
+    if (!retrying)
+        frontApplication = front.application();
+    if (policy.paused || owner == XCB_WINDOW_NONE) {
+        publishItems({});
+        textWithheld = owner != XCB_WINDOW_NONE;
+        return;
+    }
+    const bool ignored = frontApplication && frontApplication->bundleIdentifier &&
+                         policy.ignoredApplications.contains(*frontApplication->bundleIdentifier);
+    const auto scope = ignored ? SelectionReader::Scope::list : SelectionReader::Scope::everything;
+    reader = std::make_unique<SelectionReader>(x, ring, optionsFor(scope, readLimit), now);
+}
+
+void ClipboardWatch::finishRead(TimePoint now)
+{
+    const auto finished = std::exchange(reader, nullptr);
+    if (!finished->wasAnswered() && owner != XCB_WINDOW_NONE) {
+        noticeHungOwner(now);
+        return;
+    }
+    std::vector<PasteboardItem> items = finished->items();
+    if (const auto picture = pictureToReencode(items))
+        reencoding = Reencoding{pictures.start(*picture), std::move(items), now + readLimit};
+    else
+        publishItems(std::move(items));
+}
+
+// The change counts at once. Its content follows as a change of its own if the owner comes back: it is asked
+// once more.
+void ClipboardWatch::noticeHungOwner(TimePoint now)
+{
+    if (retrying) {
+        retrying = false;
+        changes = 0;
+        textWithheld = true;
+        return;
+    }
+    retryDue = now + retryDelay;
+    retryChanges = changes > 0 ? 1 : 0;
+    publishItems({});
+    textWithheld = true;
+}
+
+void ClipboardWatch::finishReencoding(TimePoint now)
+{
+    const auto result = pictures.take(reencoding->number);
+    if (!result && now < reencoding->due)
+        return;
+    std::vector<PasteboardItem> items = std::move(reencoding->items);
+    reencoding.reset();
+    if (result && result->png) {
+        const bool fits = sizeOf(items) + result->png->size() <= policy.byteBudget;
+        items.front().representations.push_back(
+            {QStringView(PasteboardType::png).toString(), fits ? result->png : std::nullopt});
+    }
+    publishItems(std::move(items));
+}
+
+void ClipboardWatch::publishItems(std::vector<PasteboardItem> items)
+{
+    textWithheld = withholdsText(items);
+    retrying = false;
+    if (changes > 0 || !items.empty())
+        publish({changes, writesSeen, std::move(items), frontApplication});
+    changes = 0;
+}
+
+void ClipboardWatch::readText(TextCallback callback, TimePoint limit)
+{
+    textRequests.push_back({std::move(callback), limit});
+}
+
+void ClipboardWatch::advanceTexts(TimePoint now)
+{
+    if (textRequests.empty())
+        return;
+    if (textReader)
+        textReader->advance(now);
+    if (textReader && textReader->isFinished()) {
+        const auto items = std::exchange(textReader, nullptr)->items();
+        answerTexts(joinedText(items).value_or(QByteArray()));
+        return;
+    }
+    const bool foreign = owner != XCB_WINDOW_NONE && owner != x.window();
+    if (!isReading() && !textReader) {
+        if (!foreign || !textWithheld) {
+            answerTexts(std::nullopt);
+            return;
+        }
+        const auto scope = SelectionReader::Scope::text;
+        textReader = std::make_unique<SelectionReader>(
+            x, ring, optionsFor(scope, textRequests.front().limit - now), now);
+    }
+    for (TextRequest &each : textRequests) {
+        if (now >= each.limit)
+            std::exchange(each.callback, nullptr)(QByteArray());
+    }
+    std::erase_if(textRequests, [](const TextRequest &each) { return !each.callback; });
+}
+
+void ClipboardWatch::answerTexts(const std::optional<QByteArray> &text)
+{
+    for (const TextRequest &each : std::exchange(textRequests, {}))
+        each.callback(text);
+}
+
+void ClipboardWatch::whenIdle(std::function<void()> callback)
+{
+    if (isIdle())
+        callback();
+    else
+        idleCallbacks.push_back(std::move(callback));
+}

@@ -1,0 +1,290 @@
+#include "Platform/linux/x11/PasteboardThread.h"
+
+#include "Platform/Log.h"
+
+#include <algorithm>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::chrono::milliseconds briefly(20);
+constexpr std::chrono::milliseconds textLimit(900);
+constexpr std::chrono::milliseconds farewell(500);
+constexpr int eventsInOneGo = 256; // then the notes of the main thread have their turn
+
+void signal(int descriptor)
+{
+    const uint64_t one = 1;
+    [[maybe_unused]] const auto written =
+        ::write(descriptor, &one, sizeof one); // full means signalled already
+}
+
+void clearSignal(int descriptor)
+{
+    uint64_t count = 0;
+    [[maybe_unused]] const auto taken = ::read(descriptor, &count, sizeof count);
+}
+
+int newSignal()
+{
+    return eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+}
+
+template <typename Event>
+const Event &as(const xcb_generic_event_t &event)
+{
+    return reinterpret_cast<const Event &>(event);
+}
+
+} // namespace
+
+std::unique_ptr<PasteboardThread> PasteboardThread::start(std::shared_ptr<const DesktopEntries> entries)
+{
+    auto connection = PasteboardConnection::open();
+    if (!connection)
+        return nullptr;
+    return std::unique_ptr<PasteboardThread>(new PasteboardThread(std::move(connection), std::move(entries)));
+}
+
+PasteboardThread::PasteboardThread(std::unique_ptr<PasteboardConnection> connection,
+                                   std::shared_ptr<const DesktopEntries> entries)
+    : wakeSignal(newSignal()), reportSignal(newSignal()), x(std::move(connection)), server(*x),
+      watch(
+          *x, std::move(entries), [this](ForeignCopy copy) { report(std::move(copy)); },
+          [this] { signal(wakeSignal); })
+{
+    thread = std::thread([this] { run(); });
+}
+
+PasteboardThread::~PasteboardThread()
+{
+    auto over = finished.get_future();
+    stopping = true;
+    signal(wakeSignal);
+    if (over.wait_for(farewell) == std::future_status::timeout)
+        shutdown(x->fileDescriptor(), SHUT_RDWR); // the X server hangs
+    thread.join();
+    close(reportSignal);
+    // The picture worker still signals until it is destroyed: its descriptor is closed by the last member's
+    // owner.
+}
+
+bool PasteboardThread::post(Task task)
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (ended)
+            return false;
+        tasks.push_back(std::move(task));
+    }
+    signal(wakeSignal);
+    return true;
+}
+
+void PasteboardThread::postBriefly(Task task)
+{
+    const auto dealtWith = std::make_shared<std::promise<void>>();
+    const auto future = dealtWith->get_future();
+    const bool posted = post([task = std::move(task), dealtWith] {
+        task();
+        dealtWith->set_value();
+    });
+    if (posted)
+        future.wait_for(briefly);
+}
+
+void PasteboardThread::report(Report report)
+{
+    {
+        const std::lock_guard lock(mutex);
+        const auto *copy = std::get_if<ForeignCopy>(&report);
+        auto *last = reports.empty() ? nullptr : std::get_if<ForeignCopy>(&reports.back());
+        if (copy && last && copy->writesSeen == last->writesSeen) {
+            const qint64 changes = last->changes + copy->changes;
+            reports.back() = std::move(report);
+            std::get<ForeignCopy>(reports.back()).changes = changes;
+        } else {
+            reports.push_back(std::move(report));
+        }
+    }
+    signal(reportSignal);
+}
+
+std::vector<PasteboardThread::Report> PasteboardThread::takeReports()
+{
+    clearSignal(reportSignal);
+    const std::lock_guard lock(mutex);
+    return std::exchange(reports, {});
+}
+
+void PasteboardThread::setPolicy(const PasteboardPolicy &policy)
+{
+    post([this, policy] { watch.setPolicy(policy); });
+}
+
+void PasteboardThread::begin()
+{
+    post([this] { watch.begin(); });
+}
+
+void PasteboardThread::write(qint64 number, std::shared_ptr<const PasteboardSnapshot> content)
+{
+    post([this, number, content] { claimClipboard(number, *content); });
+}
+
+void PasteboardThread::ownPrimary(std::shared_ptr<const PasteboardSnapshot> content)
+{
+    postBriefly([this, content] { claimPrimary(*content); });
+}
+
+void PasteboardThread::readText(quint64 number)
+{
+    postBriefly([this, number] {
+        const TimePoint limit = Clock::now() + textLimit;
+        catchUp();
+        watch.readText([this, number](auto text) { report(TextAnswer{number, std::move(text)}); }, limit);
+        watch.advance(Clock::now());
+    });
+}
+
+void PasteboardThread::whenIdle(quint64 number)
+{
+    postBriefly([this, number] {
+        catchUp();
+        watch.whenIdle([this, number] { report(Idle{number}); });
+    });
+}
+
+void PasteboardThread::run()
+{
+    while (!stopping && !x->isGone()) {
+        runTasks();
+        const bool more = handleEvents(eventsInOneGo);
+        const TimePoint now = Clock::now();
+        server.advance(now);
+        watch.advance(now);
+        if (!x->flushedIntoEvents() && !more)
+            waitForWork();
+    }
+    end();
+}
+
+void PasteboardThread::runTasks()
+{
+    std::vector<Task> taken;
+    {
+        const std::lock_guard lock(mutex);
+        taken.swap(tasks);
+    }
+    for (const Task &task : taken)
+        task();
+}
+
+// True when there may be more events.
+bool PasteboardThread::handleEvents(int limit)
+{
+    for (int i = 0; i < limit; ++i) {
+        const XEvent event = x->nextEvent();
+        if (!event)
+            return false;
+        handle(*event, Clock::now());
+    }
+    return true;
+}
+
+// Everything that the X server knows of now is dealt with when this returns.
+void PasteboardThread::catchUp()
+{
+    x->synchronize();
+    while (handleEvents(eventsInOneGo) && !stopping) {
+    }
+    watch.advance(Clock::now());
+}
+
+void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
+{
+    if (x->isOwnerChange(event)) {
+        watch.handleOwnerChange(as<xcb_xfixes_selection_notify_event_t>(event), sequenceOf(event), now);
+        return;
+    }
+    switch (event.response_type & 0x7f) {
+    case 0: // an error: of all that we ask, only what goes to a window that is gone can fail
+        server.forget(as<xcb_generic_error_t>(event).resource_id);
+        break;
+    case XCB_SELECTION_REQUEST:
+        server.handleRequest(as<xcb_selection_request_event_t>(event), now);
+        break;
+    case XCB_SELECTION_CLEAR:
+        server.handleClear(event);
+        break;
+    case XCB_SELECTION_NOTIFY:
+        watch.handleAnswer(as<xcb_selection_notify_event_t>(event), now);
+        break;
+    case XCB_PROPERTY_NOTIFY:
+        handleProperty(as<xcb_property_notify_event_t>(event), now);
+        break;
+    case XCB_DESTROY_NOTIFY:
+        server.forget(as<xcb_destroy_notify_event_t>(event).window);
+        break;
+    default:
+        break;
+    }
+}
+
+void PasteboardThread::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
+{
+    if (event.window == x->window())
+        watch.handleProperty(event, now);
+    if (event.window == x->root() && event.atom == x->atoms().activeWindow)
+        watch.handleActiveWindow();
+    server.handleProperty(event, now); // a requestor's, which may be any window
+}
+
+void PasteboardThread::claimClipboard(qint64 number, const PasteboardSnapshot &content)
+{
+    const auto claim = x->claim(x->atoms().clipboard);
+    if (claim.result == PasteboardConnection::Claim::Result::confirmed)
+        server.offer(x->atoms().clipboard, claim, servedTargets(content.items));
+    else
+        server.withdraw(x->atoms().clipboard);
+    watch.noticeClaim(claim, number);
+}
+
+void PasteboardThread::claimPrimary(const PasteboardSnapshot &content)
+{
+    const auto targets = servedTexts(content.items);
+    if (targets.empty())
+        return;
+    const auto claim = x->claim(XCB_ATOM_PRIMARY);
+    if (claim.result == PasteboardConnection::Claim::Result::confirmed)
+        server.offer(XCB_ATOM_PRIMARY, claim, targets);
+}
+
+void PasteboardThread::waitForWork()
+{
+    const TimePoint due = std::min(server.deadline(), watch.deadline());
+    int timeout = -1;
+    if (due != TimePoint::max()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()).count();
+        timeout = static_cast<int>(std::clamp<qint64>(left, 0, 60'000));
+    }
+    pollfd sources[] = {{x->fileDescriptor(), POLLIN, 0}, {wakeSignal, POLLIN, 0}};
+    poll(sources, 2, timeout);
+    clearSignal(wakeSignal);
+}
+
+void PasteboardThread::end()
+{
+    if (!stopping)
+        logLine(QStringLiteral("The X server is gone: the clipboard is no longer followed."));
+    report(Ended());
+    {
+        const std::lock_guard lock(mutex);
+        ended = true;
+        tasks.clear();
+    }
+    finished.set_value();
+}

@@ -1,0 +1,193 @@
+#include "Platform/linux/x11/SelectionReader.h"
+
+#include "Platform/linux/x11/FileList.h"
+#include "Platform/linux/x11/TextEncoding.h"
+#include "Platform/linux/x11/WindowProperties.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using Kind = ReadRequest::Kind;
+using Status = ReadOutcome::Status;
+using State = IncomingTransfer::State;
+
+// A healthy owner lists its targets within 2 ms; the slowest single conversion that was measured took 2.3 s.
+constexpr std::chrono::milliseconds targetsPatience(500);
+constexpr std::chrono::seconds targetPatience(2);
+constexpr qint64 maxTargets = 1024;
+
+} // namespace
+
+SelectionReader::SelectionReader(PasteboardConnection &connection, PropertyRing &propertyRing,
+                                 const Options &wanted, TimePoint now)
+    : x(connection), ring(propertyRing), options(wanted), end(now + wanted.limit)
+{
+    ask("TARGETS", maxTargets * 4, targetsPatience, now);
+}
+
+bool SelectionReader::handleAnswer(const xcb_selection_notify_event_t &event, TimePoint now)
+{
+    if (finished || !transfer->handleAnswer(event, now))
+        return false;
+    proceed(now);
+    return true;
+}
+
+bool SelectionReader::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
+{
+    if (finished || !transfer->handleProperty(event, now))
+        return false;
+    proceed(now);
+    return true;
+}
+
+void SelectionReader::advance(TimePoint now)
+{
+    if (finished)
+        return;
+    transfer->advance(now);
+    proceed(now);
+    if (now >= end)
+        stop();
+}
+
+void SelectionReader::stop()
+{
+    finished = true;
+    transfer.reset();
+}
+
+void SelectionReader::finishBy(TimePoint limit)
+{
+    letGo = true;
+    end = std::min(end, limit);
+}
+
+TimePoint SelectionReader::deadline() const
+{
+    return transfer ? std::min(end, transfer->deadline()) : end;
+}
+
+void SelectionReader::ask(const QByteArray &target, qint64 maxBytes, Clock::duration patience, TimePoint now)
+{
+    transfer.reset();
+    transfer = std::make_unique<IncomingTransfer>(
+        x, ring,
+        IncomingTransfer::Question{options.selection, internAtom(x.raw(), target), options.time, maxBytes,
+                                   patience},
+        now);
+}
+
+void SelectionReader::proceed(TimePoint now)
+{
+    while (!finished && transfer->state() != State::pending) {
+        if (!answered)
+            takeTargets(now);
+        else
+            takeCandidate(now);
+    }
+}
+
+// The owner's list becomes the plan. An owner that has no list is asked for text, as it always was.
+void SelectionReader::takeTargets(TimePoint now)
+{
+    if (transfer->state() != State::complete && transfer->state() != State::refused) {
+        stop();
+        return;
+    }
+    answered = true;
+    std::vector<QByteArray> targets = {"UTF8_STRING", "STRING"};
+    if (transfer->state() == State::complete) {
+        const QByteArray list = transfer->takeBytes();
+        std::vector<xcb_atom_t> atoms(static_cast<size_t>(list.size()) / 4);
+        if (!atoms.empty())
+            std::memcpy(atoms.data(), list.constData(), atoms.size() * 4);
+        targets = atomNames(x.raw(), atoms);
+    }
+    plan = planFor(targets);
+    outcomes.resize(plan.requests.size());
+    if (options.scope == Scope::list || (plan.concealed && options.scope != Scope::text)) {
+        stop();
+        return;
+    }
+    askNext(now);
+}
+
+void SelectionReader::takeCandidate(TimePoint now)
+{
+    const ReadRequest &asked = plan.requests[request];
+    ReadOutcome &outcome = outcomes[request];
+    const State state = transfer->state();
+    if (state == State::endless) {
+        stop();
+        return;
+    }
+    const bool usable = state == State::complete && accept(asked, outcome);
+    const bool refused = !usable && (state == State::refused || state == State::complete);
+    if (refused && outcome.candidate + 1 < asked.candidates.size()) {
+        ++outcome.candidate;
+    } else {
+        if (refused)
+            outcome.status = Status::refused;
+        ++request;
+    }
+    askNext(now);
+}
+
+// Whether the bytes are what was asked for; keeps them if so.
+bool SelectionReader::accept(const ReadRequest &asked, ReadOutcome &outcome)
+{
+    if (asked.kind == Kind::text && transfer->type() == x.atoms().compoundText)
+        return false;
+    auto bytes = storedBytes(asked, asked.candidates[outcome.candidate], transfer->takeBytes());
+    if (!bytes || (asked.isPicture() && bytes->isEmpty())) // a picture that its owner failed to render
+        return false;
+    if (kept + bytes->size() > options.byteBudget)
+        return true; // re-encoded beyond the budget
+    kept += bytes->size();
+    outcome.status = Status::fetched;
+    outcome.bytes = std::move(*bytes);
+    if (asked.kind == Kind::text)
+        textFound = !isBlank(outcome.bytes);
+    if (asked.kind == Kind::files) {
+        const auto addresses = addressesOfUriList(outcome.bytes);
+        filesFound = std::any_of(addresses.begin(), addresses.end(), isFileAddress);
+    }
+    return true;
+}
+
+void SelectionReader::askNext(TimePoint now)
+{
+    for (; request < plan.requests.size() && !letGo; ++request) {
+        const ReadRequest &next = plan.requests[request];
+        if (next.kind == Kind::picture && isPictureLess())
+            outcomes[request].status = Status::refused;
+        else if (isWanted(next)) {
+            const QByteArray &target = next.candidates[outcomes[request].candidate].target;
+            ask(target, options.byteBudget - kept, targetPatience, now);
+            return;
+        }
+    }
+    stop();
+}
+
+// Pictures beside styled text are previews that cost their owner seconds.
+bool SelectionReader::isPictureLess() const
+{
+    return textFound && (plan.offers(Kind::html) || plan.offers(Kind::rtf));
+}
+
+bool SelectionReader::isWanted(const ReadRequest &asked) const
+{
+    if (asked.kind == Kind::marker)
+        return false; // its name says everything
+    if (options.scope == Scope::text)
+        return asked.kind == Kind::text;
+    if (asked.kind == Kind::files)
+        return true;
+    if (filesFound && !options.files)
+        return false;
+    return options.pictures || !asked.isPicture() || textFound;
+}
