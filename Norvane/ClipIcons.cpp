@@ -20,7 +20,8 @@ QPixmap themeIcon(const QString &name, int size, qreal scale)
     return icon.pixmap(QSize(size, size), scale);
 }
 
-// The theme's icon for a file by its name alone: looking at the file itself could wait for a dead network share.
+// The theme's icon for a file by its name alone: looking at the file itself could wait for a dead network
+// share.
 QString mimeIconName(const QString &path)
 {
     if (path.endsWith(u'/'))
@@ -62,7 +63,8 @@ QPixmap ClipIcons::symbol(const QString &name, int size, const QColor &color, qr
     const auto cached = cache.constFind(key);
     if (cached != cache.constEnd())
         return *cached;
-    QPixmap pixmap = QIcon(QStringLiteral(":/icons/") + name + QStringLiteral(".svg")).pixmap(QSize(size, size), scale);
+    QPixmap pixmap =
+        QIcon(QStringLiteral(":/icons/") + name + QStringLiteral(".svg")).pixmap(QSize(size, size), scale);
     if (!pixmap.isNull()) {
         QPainter painter(&pixmap);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
@@ -80,15 +82,15 @@ QPixmap ClipIcons::kindIcon(const Clip &clip, int size, const QColor &color, qre
         const auto cached = cache.constFind(key);
         if (cached != cache.constEnd())
             return *cached;
-        QPixmap pixmap = QPixmap::fromImage(clip.thumbnail().scaled(QSize(size, size) * scale, Qt::KeepAspectRatio,
-                                                                    Qt::SmoothTransformation));
+        QPixmap pixmap = QPixmap::fromImage(clip.thumbnail().scaled(
+            QSize(size, size) * scale, Qt::KeepAspectRatio, Qt::SmoothTransformation));
         pixmap.setDevicePixelRatio(scale);
         cache.insert(key, pixmap);
         return pixmap;
     }
     if (clip.kind == ClipKind::files) {
         const QString first = clip.text.section(u'\n', 0, 0, QString::SectionSkipEmpty);
-        const QPixmap icon = first.isEmpty() ? QPixmap() : fileIcon(first, size, scale);
+        QPixmap icon = first.isEmpty() ? QPixmap() : fileIcon(first, size, scale);
         if (!icon.isNull())
             return icon;
     }

@@ -6,14 +6,16 @@
 #include <QHash>
 #include <QObject>
 #include <QPixmap>
-#include <QSet>
+#include <QTimer>
+#include <functional>
+#include <vector>
 
 class DesktopEntries;
 
 // The pictures of the list, cached. Main thread.
 //
-// Application and file icons are found and drawn after the row that wants them was painted: the first icon of a
-// theme costs more than a frame. Until then there is a null pixmap, and `iconsChanged` follows.
+// Application and file icons are found and drawn after the row that wants them was painted: the first icon of
+// a theme costs more than a frame. Until then there is a null pixmap, and `iconsChanged` follows.
 class ClipIcons : public QObject {
     Q_OBJECT
 

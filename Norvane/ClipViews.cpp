@@ -26,8 +26,8 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
     if (icon.isNull())
         return;
     const QSizeF size = icon.deviceIndependentSize();
-    const QRectF target(frame.center().x() + 0.5 - size.width() / 2, frame.center().y() + 0.5 - size.height() / 2,
-                        size.width(), size.height());
+    const QRectF target(frame.center().x() + 0.5 - size.width() / 2,
+                        frame.center().y() + 0.5 - size.height() / 2, size.width(), size.height());
     painter->save();
     if (rounded) {
         QPainterPath path;
@@ -39,12 +39,29 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
     painter->restore();
 }
 
-void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font, const QColor &color)
+void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font,
+              const QColor &color)
 {
     painter->setFont(font);
     painter->setPen(color);
     const QString elided = QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width());
     painter->drawText(frame, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, elided);
+}
+
+// A slim bar without buttons: the toolkit's own is as loud as the list itself.
+QString scrollBarStyle(const QPalette &palette)
+{
+    const QColor handle = Palette::secondary(palette);
+    return QStringLiteral(
+               "QScrollBar:vertical { background: transparent; border: none; width: 11px; margin: 2px; }"
+               "QScrollBar::handle:vertical { background: rgba(%1, %2, %3, 45%); border-radius: 3px;"
+               " min-height: 28px; }"
+               "QScrollBar::handle:vertical:hover { background: rgba(%1, %2, %3, 80%); }"
+               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+        .arg(handle.red())
+        .arg(handle.green())
+        .arg(handle.blue());
 }
 
 } // namespace
@@ -65,7 +82,8 @@ QSize ClipCellView::sizeHint(const QStyleOptionViewItem &option, const QModelInd
     return {option.rect.width(), rowHeight(clip ? clip->kind : ClipKind::text)};
 }
 
-void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) const
 {
     const ClipPointer clip = model.clipAt(index.row());
     if (!clip)
@@ -101,7 +119,8 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option, 
     const int textLeft = icon.right() + 1 + scaled(titleGap);
     const QFont titleFont = Metrics::font(13);
     const QFont detailFont = Metrics::font(11);
-    const QRect titleFrame(textLeft, row.top() + scaled(textTop), row.right() - scaled(pinTrailing) - pinSpace - textLeft,
+    const QRect titleFrame(textLeft, row.top() + scaled(textTop),
+                           row.right() - scaled(pinTrailing) - pinSpace - textLeft,
                            QFontMetrics(titleFont).height());
     drawText(painter, titleFrame, titleText(*clip, listTitleLength), titleFont, label);
 
@@ -111,21 +130,26 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option, 
     const int appSide = scaled(appIconSize);
     const QPixmap appIcon = icons.appIcon(clip->appID, appSide, scale);
     if (!appIcon.isNull()) {
-        drawIcon(painter, {detailFrame.left(), detailFrame.center().y() - appSide / 2, appSide, appSide}, appIcon, false);
+        drawIcon(painter, {detailFrame.left(), detailFrame.center().y() - appSide / 2, appSide, appSide},
+                 appIcon, false);
         detailFrame.setLeft(detailFrame.left() + appSide + scaled(detailGap));
     }
     drawText(painter, detailFrame, detailText(*clip), detailFont, secondary);
 
     if (clip->pinned) {
         const int pinSide = scaled(pinWidth);
-        const QRect pin(row.right() + 1 - scaled(pinTrailing) - pinSide, row.top() + scaled(pinTop), pinSide, pinSide);
-        drawIcon(painter, pin,
-                 icons.symbol(QStringLiteral("pin-fill"), pinSide, selected ? label : Palette::orange(), scale), false);
+        const QRect pin(row.right() + 1 - scaled(pinTrailing) - pinSide, row.top() + scaled(pinTop), pinSide,
+                        pinSide);
+        drawIcon(
+            painter, pin,
+            icons.symbol(QStringLiteral("pin-fill"), pinSide, selected ? label : Palette::orange(), scale),
+            false);
     }
     painter->restore();
 }
 
-ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *parent) : QListView(parent), clips(model)
+ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *parent)
+    : QListView(parent), clips(model)
 {
     setModel(&model);
     setItemDelegate(new ClipCellView(icons, model, this));
@@ -137,7 +161,7 @@ ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *pa
     setContextMenuPolicy(Qt::NoContextMenu);
     setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    setMouseTracking(false);
+    verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
     connect(&icons, &ClipIcons::iconsChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -184,7 +208,8 @@ QRect ClipTableView::visualRect(const QModelIndex &index) const
     const auto row = static_cast<size_t>(index.row());
     if (!index.isValid() || row + 1 >= rowTops.size())
         return {};
-    return {0, rowTops[row] - verticalOffset(), viewport()->width(), rowTops[row + 1] - rowTops[row] - rowSpacing};
+    return {0, rowTops[row] - verticalOffset(), viewport()->width(),
+            rowTops[row + 1] - rowTops[row] - rowSpacing};
 }
 
 QModelIndex ClipTableView::indexAt(const QPoint &point) const
@@ -217,7 +242,7 @@ void ClipTableView::doItemsLayout()
 
 void ClipTableView::reset()
 {
-    QAbstractItemView::reset();
+    QAbstractItemView::reset(); // NOLINT(bugprone-parent-virtual-call): the list view would lay out every row
     measureRows();
     updateGeometries();
     verticalScrollBar()->setValue(0);
@@ -284,7 +309,8 @@ void ClipTableView::updateGeometries()
     verticalScrollBar()->setRange(0, std::max(0, rowTops.back() - height));
     verticalScrollBar()->setPageStep(height);
     verticalScrollBar()->setSingleStep(ClipCellView::rowHeight(ClipKind::text) / 2);
-    QAbstractItemView::updateGeometries();
+    QAbstractItemView::updateGeometries(); // NOLINT(bugprone-parent-virtual-call): the list view would lay
+                                           // out every row
 }
 
 void ClipTableView::paintEvent(QPaintEvent *event)
@@ -305,8 +331,16 @@ void ClipTableView::paintEvent(QPaintEvent *event)
 
 void ClipTableView::resizeEvent(QResizeEvent *event)
 {
-    QAbstractItemView::resizeEvent(event);
+    QAbstractItemView::resizeEvent(
+        event); // NOLINT(bugprone-parent-virtual-call): the list view would lay out every row
     updateGeometries();
+}
+
+void ClipTableView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
+    QListView::changeEvent(event);
 }
 
 void ClipTableView::keyPressEvent(QKeyEvent *event)
@@ -320,8 +354,8 @@ void ClipTableView::keyPressEvent(QKeyEvent *event)
 
 void ClipTableView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    // The choice is made when the button is let go: closing with the button down would give the release to the
-    // program below.
+    // The choice is made when the button is let go: closing with the button down would give the release to
+    // the program below.
     if (event->button() == Qt::LeftButton)
         doubleClickedRow = indexAt(event->position().toPoint()).row();
 }

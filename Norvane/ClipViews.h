@@ -18,7 +18,8 @@ public:
     // 48 points for an image, 44 for every other kind.
     [[nodiscard]] static int rowHeight(ClipKind kind);
 
-    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
 private:
@@ -26,8 +27,8 @@ private:
     const ClipListModel &model;
 };
 
-// The list of clips. Rows of two heights are found by sums made once a result, so that 100,000 rows cost no more
-// than the few on screen. Main thread.
+// The list of clips. Rows of two heights are found by sums made once a result, so that 100,000 rows cost no
+// more than the few on screen. Main thread.
 class ClipTableView : public QListView {
     Q_OBJECT
 
@@ -57,6 +58,7 @@ protected:
     void updateGeometries() override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

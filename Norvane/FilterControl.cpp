@@ -13,7 +13,8 @@ constexpr qreal controlHeight = 26, labelPadding = 10, controlRadius = 7, segmen
 
 } // namespace
 
-FilterControl::FilterControl(const QStringList &segmentLabels, QWidget *parent) : QWidget(parent), labels(segmentLabels)
+FilterControl::FilterControl(const QStringList &segmentLabels, QWidget *parent)
+    : QWidget(parent), labels(segmentLabels)
 {
     setFont(Metrics::font(12));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -10,7 +10,8 @@ constexpr qreal referenceFontSize = 13;
 QColor blended(const QColor &over, const QColor &under, qreal share)
 {
     const auto mix = [share](int a, int b) { return static_cast<int>(share * a + (1 - share) * b); };
-    return QColor(mix(over.red(), under.red()), mix(over.green(), under.green()), mix(over.blue(), under.blue()));
+    return QColor(mix(over.red(), under.red()), mix(over.green(), under.green()),
+                  mix(over.blue(), under.blue()));
 }
 
 } // namespace
@@ -29,7 +30,8 @@ QColor secondary(const QPalette &palette)
 
 QColor separator(const QPalette &palette)
 {
-    return blended(label(palette), palette.color(QPalette::Active, QPalette::Window), isDark(palette) ? 0.22 : 0.16);
+    return blended(label(palette), palette.color(QPalette::Active, QPalette::Window),
+                   isDark(palette) ? 0.22 : 0.16);
 }
 
 QColor accent(const QPalette &palette)
@@ -44,7 +46,8 @@ QColor onAccent(const QPalette &palette)
 
 QColor field(const QPalette &palette)
 {
-    return blended(label(palette), palette.color(QPalette::Active, QPalette::Window), isDark(palette) ? 0.10 : 0.06);
+    return blended(label(palette), palette.color(QPalette::Active, QPalette::Window),
+                   isDark(palette) ? 0.10 : 0.06);
 }
 
 QColor orange()

@@ -27,5 +27,4 @@ namespace Metrics {
 // The desktop's font × points / 13.
 [[nodiscard]] QFont font(qreal points);
 
-
 } // namespace Metrics

@@ -69,8 +69,10 @@ Rect place(QSizeF size, PopupPosition position, const std::optional<Rect> &caret
         if (panel.y < visible.y)
             panel.y = anchor.maxY() + anchorGap;
     }
-    panel.y = std::min(visible.maxY() - panel.height - screenMargin, std::max(visible.y + screenMargin, panel.y));
-    panel.x = std::min(visible.maxX() - panel.width - screenMargin, std::max(visible.x + screenMargin, panel.x));
+    panel.y =
+        std::min(visible.maxY() - panel.height - screenMargin, std::max(visible.y + screenMargin, panel.y));
+    panel.x =
+        std::min(visible.maxX() - panel.width - screenMargin, std::max(visible.x + screenMargin, panel.x));
     return panel;
 }
 

@@ -10,8 +10,8 @@
 
 // Where and how large the panel opens: arithmetic on rectangles, no screen needed.
 //
-// All of it counts from the bottom left corner of the primary screen, y up, as the rules are written; `flipped`
-// is the one place that changes to and from Qt's coordinates.
+// All of it counts from the bottom left corner of the primary screen, y up, as the rules are written;
+// `flipped` is the one place that changes to and from Qt's coordinates.
 namespace PanelPlacement {
 
 inline constexpr QSizeF defaultSize{780, 470};
@@ -43,8 +43,9 @@ struct Screen {
 // The size of a new panel; a remembered width or height of 0 means none.
 [[nodiscard]] QSizeF initialSize(double rememberedWidth, double rememberedHeight);
 
-// The panel's frame. `screens` in the system's order, not empty; `caret` only counts for PopupPosition::caret.
-[[nodiscard]] Rect place(QSizeF size, PopupPosition position, const std::optional<Rect> &caret, QPointF pointer,
-                         const std::vector<Screen> &screens, size_t mainScreen = 0);
+// The panel's frame. `screens` in the system's order, not empty; `caret` only counts for
+// PopupPosition::caret.
+[[nodiscard]] Rect place(QSizeF size, PopupPosition position, const std::optional<Rect> &caret,
+                         QPointF pointer, const std::vector<Screen> &screens, size_t mainScreen = 0);
 
 } // namespace PanelPlacement

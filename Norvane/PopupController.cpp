@@ -88,6 +88,7 @@ void PopupController::place()
     const auto areas = services.screens.screens();
     const double primaryHeight = areas.empty() ? 0 : areas.front().frame.height();
     std::vector<PanelPlacement::Screen> screens;
+    screens.reserve(areas.size());
     for (const auto &area : areas)
         screens.push_back({PanelPlacement::flipped(area.frame, primaryHeight),
                            PanelPlacement::flipped(area.visibleFrame, primaryHeight)});

@@ -23,8 +23,8 @@ constexpr std::array digitKeyCodes = {
     DigitKey{22, 6}, DigitKey{26, 7}, DigitKey{28, 8}, DigitKey{25, 9},
 };
 
-// The position of the key; of a key event made by a program, which has none, the position its symbol has on an
-// ANSI keyboard.
+// The position of the key; of a key event made by a program, which has none, the position its symbol has on
+// an ANSI keyboard.
 quint32 keyCodeOf(const QKeyEvent *event)
 {
     constexpr quint32 x11Offset = 8;
@@ -62,7 +62,9 @@ bool isCommand(Qt::KeyboardModifiers modifiers)
 // Ctrl+Backspace and Ctrl+Delete delete a word where there is one to delete.
 bool deletesWord(const QLineEdit &field, quint32 keyCode)
 {
-    if (!field.hasFocus())
+    // Asked of the window: an override-redirect window may have the keyboard before the toolkit calls it
+    // active.
+    if (field.window()->focusWidget() != &field)
         return false;
     if (field.hasSelectedText())
         return true;

@@ -122,8 +122,9 @@ void SearchField::paintEvent(QPaintEvent *event)
     painter.setBrush(Palette::field(palette()));
     painter.drawRoundedRect(rect(), scaled(fieldRadius), scaled(fieldRadius));
     const int side = scaled(symbolSize);
-    painter.drawPixmap(scaled(symbolLeading), (height() - side) / 2,
-                       icons.symbol(QStringLiteral("search"), side, Palette::secondary(palette()), devicePixelRatioF()));
+    painter.drawPixmap(
+        scaled(symbolLeading), (height() - side) / 2,
+        icons.symbol(QStringLiteral("search"), side, Palette::secondary(palette()), devicePixelRatioF()));
     painter.end();
     QLineEdit::paintEvent(event);
 }

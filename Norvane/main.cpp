@@ -49,7 +49,7 @@ std::optional<int> answerAtOnce(const CommandLine &commandLine)
 // True when a running instance took the request over.
 bool handOver(int argc, char **argv, const QString &action)
 {
-    [[maybe_unused]] const QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     return makeApplicationInstance()->ask(action);
 }
 

@@ -1,5 +1,5 @@
-// Hot key press to first painted frame: the history panel with many clips against a bare window of the same toolkit,
-// shown the same way in the same run. Needs an X server of its own (tests/support/private-desktop).
+// Hot key press to first painted frame: the history panel with many clips against a bare window of the same
+// toolkit, shown the same way in the same run. Needs an X server of its own (tests/support/private-desktop).
 
 #include "Norvane/AppDelegate.h"
 #include "Norvane/app/Preferences.h"
@@ -177,7 +177,8 @@ int main(int argc, char **argv)
     std::printf("bare window: %.2f ms (median of %d)\n", bare / 1000, openings);
     for (const int clips : {500, 5000}) {
         const double own = panel(typist, clips);
-        std::printf("panel with %d clips: %.2f ms, %.2f x the bare window (aim 1.5)\n", clips, own / 1000, own / bare);
+        std::printf("panel with %d clips: %.2f ms, %.2f x the bare window (aim 1.5)\n", clips, own / 1000,
+                    own / bare);
     }
     return bare > 0 ? 0 : 1;
 }

@@ -22,7 +22,8 @@ target_compile_definitions(houseRules INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_USE_QSTRINGBUILDER NORVANE_VERSION="${PROJECT_VERSION}")
 if(NORVANE_SANITIZE)
     target_compile_options(houseRules INTERFACE
-        -fsanitize=${NORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${NORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        -Wno-maybe-uninitialized) # instrumented code of std::optional raises it falsely
     target_link_options(houseRules INTERFACE -fsanitize=${NORVANE_SANITIZE})
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release")

@@ -10,18 +10,21 @@ namespace {
 using namespace ModifierFlag;
 using Layout = MemoryKeyboardLayout::Layout;
 
-// A layout with one key of our choice.
+// A layout whose every key types this and is called that; null for nothing.
 class OneKeyLayout : public KeyboardLayout {
 public:
-    OneKeyLayout(std::optional<QString> keyText, std::optional<QString> keyName)
-        : text(std::move(keyText)), name(std::move(keyName))
-    {
-    }
-    [[nodiscard]] std::optional<QString> layoutCharacter(quint32) const override { return text; }
-    [[nodiscard]] std::optional<QString> symbolName(quint32) const override { return name; }
+    OneKeyLayout(const char *keyText, const char *keyName) : text(keyText), name(keyName) {}
+
+    [[nodiscard]] std::optional<QString> layoutCharacter(quint32) const override { return optional(text); }
+    [[nodiscard]] std::optional<QString> symbolName(quint32) const override { return optional(name); }
 
 private:
-    std::optional<QString> text, name;
+    static std::optional<QString> optional(const char *utf8)
+    {
+        return utf8 ? std::optional(QString::fromUtf8(utf8)) : std::nullopt;
+    }
+
+    const char *text, *name;
 };
 
 TEST(ShortcutTest, SymbolsStandInAFixedOrderBeforeTheKeysName)
@@ -59,11 +62,11 @@ TEST(ShortcutTest, AKeyWithoutANameOfItsOwnIsNamedByTheLayout)
     loadTranslations(QStringLiteral("none"));
     EXPECT_EQ(keyName(9, MemoryKeyboardLayout(Layout::dvorak)), u"K");
     EXPECT_EQ(keyName(33, MemoryKeyboardLayout(Layout::italian)), u"È");
-    EXPECT_EQ(keyName(12, OneKeyLayout("ß", {})), u"SS");
-    EXPECT_EQ(keyName(76, OneKeyLayout("\r", {})), u"#76"); // nothing that could be shown
-    EXPECT_EQ(keyName(50, OneKeyLayout({}, "Menu")), u"#50");
-    EXPECT_EQ(keyName(256 + 127, OneKeyLayout({}, "Menu")), u"Menu");
-    EXPECT_EQ(keyName(256 + 127, OneKeyLayout({}, {})), u"#383");
+    EXPECT_EQ(keyName(12, OneKeyLayout("ß", nullptr)), u"SS");
+    EXPECT_EQ(keyName(76, OneKeyLayout("\r", nullptr)), u"#76"); // nothing that could be shown
+    EXPECT_EQ(keyName(50, OneKeyLayout(nullptr, "Menu")), u"#50");
+    EXPECT_EQ(keyName(256 + 127, OneKeyLayout(nullptr, "Menu")), u"Menu");
+    EXPECT_EQ(keyName(256 + 127, OneKeyLayout(nullptr, nullptr)), u"#383");
     EXPECT_EQ(keyName(36, OneKeyLayout("x", "y")), u"↩");
 }
 
@@ -74,8 +77,8 @@ TEST(ShortcutTest, TheKeyThatTypesACharacterIsTheLowestOfItsLayout)
     EXPECT_EQ(keyCodeFor("v", dvorak), 47);
     EXPECT_EQ(keyCodeFor("è", italian), 33);
     EXPECT_EQ(keyCodeFor("è", us), std::nullopt);
-    EXPECT_EQ(keyCodeFor("v", OneKeyLayout("V", {})), 0); // compared in lower case
-    EXPECT_EQ(keyCodeFor("v", OneKeyLayout({}, {})), std::nullopt);
+    EXPECT_EQ(keyCodeFor("v", OneKeyLayout("V", nullptr)), 0); // compared in lower case
+    EXPECT_EQ(keyCodeFor("v", OneKeyLayout(nullptr, nullptr)), std::nullopt);
 }
 
 TEST(ShortcutTest, JsonRoundTripsEveryMask)

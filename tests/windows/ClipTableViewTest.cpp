@@ -40,7 +40,8 @@ TEST_F(ClipTableViewTest, RowsOfTwoHeightsFollowEachOther)
 {
     list(7);
     for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(rect(row).height(), ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
+        EXPECT_EQ(rect(row).height(),
+                  ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
         const int above = row > 0 ? rect(row - 1).bottom() + 1 : 0;
         EXPECT_EQ(rect(row).top(), above + 2) << row;
         EXPECT_EQ(view.indexAt(rect(row).center()).row(), row);
@@ -83,9 +84,12 @@ TEST_F(ClipTableViewTest, DoubleClickChoosesWhenTheButtonIsLetGo)
     EXPECT_EQ(view.selectedRow(), 2);
     EXPECT_EQ(chosen, -1);
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, rect(2).center());
+    EXPECT_EQ(chosen, -1) << "the button is still down";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, rect(2).center());
     EXPECT_EQ(chosen, 2);
     chosen = -1;
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
     EXPECT_EQ(chosen, -1);
     QTest::mouseClick(view.viewport(), Qt::RightButton, {}, rect(4).center());
     EXPECT_EQ(view.selectedRow(), 4);

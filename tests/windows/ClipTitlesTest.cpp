@@ -85,8 +85,12 @@ TEST(ClipTitlesTest, AgeIsTheLargestUnitThatHasPassed)
     const auto ago = [](double seconds) { return relativeTime(secondsSinceReferenceDate() - seconds); };
     EXPECT_EQ(ago(44), u"adesso"_s);
     EXPECT_EQ(ago(-3600), u"adesso"_s);
-    for (const auto &[seconds, number] : std::vector<std::pair<double, const char *>>{
-             {50.5, "50"}, {119, "1"}, {120.5, "2"}, {3 * 3600 + 3599, "3"}, {86400 * 6.9, "6"}, {86400 * 21.5, "3"}}) {
+    for (const auto &[seconds, number] : std::vector<std::pair<double, const char *>>{{50.5, "50"},
+                                                                                      {119, "1"},
+                                                                                      {120.5, "2"},
+                                                                                      {3 * 3600 + 3599, "3"},
+                                                                                      {86400 * 6.9, "6"},
+                                                                                      {86400 * 21.5, "3"}}) {
         EXPECT_TRUE(ago(seconds).contains(QLatin1StringView(number)))
             << seconds << " s: " << ago(seconds).toStdString();
     }

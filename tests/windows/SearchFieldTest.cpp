@@ -49,7 +49,8 @@ TEST_F(SearchFieldTest, PasteInsertsOneLineAtTheCaret)
     field.setText(u"[]"_s);
     field.setCursorPosition(1);
     QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno due]"_s; })) << field.text().toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno due]"_s; }))
+        << field.text().toStdString();
     QTest::keyClick(&field, Qt::Key_Insert, Qt::ShiftModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno dueuno due]"_s; }));
 }

@@ -4,8 +4,11 @@
 
 #include <QProcess>
 #include <QtTest/QTest>
+#include <array>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -27,7 +30,11 @@ protected:
         return probe.readLine().trimmed();
     }
 
-    void signal(int number) const { ::kill(static_cast<pid_t>(probe.processId()), number); }
+    void signal(int number) const
+    {
+        if (const auto process = static_cast<pid_t>(probe.processId()); process > 0) // 0 would be all of us
+            ::kill(process, number);
+    }
 
     QProcess probe;
 };
@@ -112,7 +119,6 @@ TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
         EXPECT_TRUE(platform->defaults && platform->desktopEntries && platform->keyboardLayout &&
                     platform->workspace && platform->pasteboard && platform->hotKeys &&
                     platform->panelSurface && platform->keyEvents && platform->screens);
-        EXPECT_TRUE(platform->keyEvents->canSynthesise());
         EXPECT_FALSE(platform->screens->screens().empty());
         const qint64 before = platform->pasteboard->changeCount();
         const QString plainText = QString::fromUtf16(PasteboardType::plainText);

@@ -4,6 +4,7 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QWidget>
 #include <cstdio>
 #include <unistd.h>

@@ -39,7 +39,11 @@ public:
         return QString::fromUtf8(process.readLine()).trimmed();
     }
 
-    void signal(int number) const { ::kill(static_cast<pid_t>(process.processId()), number); }
+    void signal(int number) const
+    {
+        if (const auto id = static_cast<pid_t>(process.processId()); id > 0) // 0 would be all of us
+            ::kill(id, number);
+    }
     void kill()
     {
         signal(SIGKILL);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <optional>
+#include <vector>
+
+// One object of a program's user interface as a screen reader sees it, over AT-SPI on the accessibility bus.
+//
+// A value that only names the object: each question asks the program and waits at most a second, with an
+// empty answer when it is gone or silent.
+class Accessible {
+public:
+    // The numbers of the AT-SPI protocol.
+    enum class State { active = 1, checked = 4, editable = 7, focused = 12, selected = 23, showing = 25 };
+
+    // The program with this process id; absent when it is not on the accessibility bus.
+    [[nodiscard]] static std::optional<Accessible> application(qint64 pid);
+
+    [[nodiscard]] QString name() const;
+    [[nodiscard]] QString role() const; // "text", "list item", "label", …
+    [[nodiscard]] QString text() const; // what a text field or view holds
+    [[nodiscard]] bool is(State state) const;
+    [[nodiscard]] QRect extents() const; // screen coordinates, logical pixels
+    [[nodiscard]] std::vector<Accessible> children() const;
+
+    // The first object below this one, this one included, for which the test holds; depth first.
+    [[nodiscard]] std::optional<Accessible> find(const std::function<bool(const Accessible &)> &test) const;
+
+    // All of them.
+    [[nodiscard]] std::vector<Accessible> all(const std::function<bool(const Accessible &)> &test) const;
+
+    // One line an object, indented: for the log of a test that failed.
+    [[nodiscard]] QString tree(int indent = 0) const;
+
+private:
+    Accessible(QString bus, QString object) : service(std::move(bus)), path(std::move(object)) {}
+    [[nodiscard]] QVariantList ask(const QString &interface, const QString &method,
+                                   const QVariantList &arguments = {}) const;
+    [[nodiscard]] QVariant property(const QString &interface, const QString &name) const;
+
+    QString service;
+    QString path;
+};

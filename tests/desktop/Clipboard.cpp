@@ -1,0 +1,48 @@
+#include "tests/desktop/Clipboard.h"
+
+#include <QProcess>
+#include <QTemporaryFile>
+
+std::optional<QByteArray> Clipboard::read(const QByteArray &target) const
+{
+    QProcess xclip;
+    xclip.start(QStringLiteral("xclip"),
+                {QStringLiteral("-selection"), QStringLiteral("clipboard"), QStringLiteral("-o"),
+                 QStringLiteral("-t"), QString::fromLatin1(target)});
+    if (!xclip.waitForFinished(2000)) {
+        xclip.kill();
+        xclip.waitForFinished(1000);
+        return std::nullopt;
+    }
+    if (xclip.exitStatus() != QProcess::NormalExit || xclip.exitCode() != 0)
+        return std::nullopt;
+    return xclip.readAllStandardOutput();
+}
+
+QList<QByteArray> Clipboard::targets() const
+{
+    auto names = read("TARGETS").value_or(QByteArray()).split('\n');
+    names.removeAll(QByteArray());
+    return names;
+}
+
+bool Clipboard::set(const QByteArray &bytes, const QByteArray &target)
+{
+    QTemporaryFile content;
+    if (!content.open() || content.write(bytes) != bytes.size() || !content.flush())
+        return false;
+    const auto before = desktop.selectionOwner("CLIPBOARD");
+    // -quiet keeps it in the foreground, so that it can be waited for and ended by its id.
+    auto next = std::make_unique<Child>(Child::Setting{
+        QStringLiteral("xclip"),
+        {QStringLiteral("-quiet"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+         QStringLiteral("-t"), QString::fromLatin1(target), QStringLiteral("-i"), content.fileName()},
+        {},
+        {}});
+    const bool taken = desktop.waitFor([&] {
+        const auto owner = desktop.selectionOwner("CLIPBOARD");
+        return owner != XCB_NONE && owner != before;
+    });
+    copier = std::move(next); // only now: ending the old owner first would be a change of its own
+    return taken;
+}
