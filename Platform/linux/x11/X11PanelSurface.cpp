@@ -15,6 +15,9 @@
 namespace {
 
 constexpr double cornerRadius = 12; // points
+constexpr int managersTurn =
+    300;                       // milliseconds that a window manager may take to move the focus after a dialog
+constexpr int askAgain = 10;   // milliseconds
 constexpr int sameClick = 100; // milliseconds between a menu's closing and the raw event of the same click
 
 // Everything that Qt has sent has been carried out when this returns.
@@ -231,12 +234,15 @@ void X11PanelSurface::retakeFocus()
 {
     if (!focus || focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
-    if (!focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
+    if (focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
+        if (!panel->isActiveWindow())
+            QApplication::setActiveWindow(panel);
+    } else if (childClosed.isValid() && childClosed.elapsed() < managersTurn) {
+        // The window manager gave the focus to the program in front at the same moment.
+        QTimer::singleShot(askAgain, this, &X11PanelSurface::whenChildClosed);
+    } else {
         requestDismiss();
-        return;
     }
-    if (!panel->isActiveWindow())
-        QApplication::setActiveWindow(panel);
 }
 
 void X11PanelSurface::whenDeactivated()
@@ -245,9 +251,11 @@ void X11PanelSurface::whenDeactivated()
         return;
     if (focus && focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
-    if (childClosed.isValid() && childClosed.elapsed() < sameClick)
-        return; // a dialog has just ended, and whenChildClosed takes the keyboard back
-    requestDismiss();
+    // A dialog has just ended: it is the window manager that moved the focus, not the user.
+    if (childClosed.isValid() && childClosed.elapsed() < managersTurn)
+        retakeFocus();
+    else
+        requestDismiss();
 }
 
 void X11PanelSurface::whenPressed(const std::vector<quint32> &windows, quint32 time)
