@@ -1,10 +1,49 @@
 #include "Norvane/ClearDialog.h"
 
+#include "Norvane/Palette.h"
 #include "Vesmo/Localisation.h"
 
 #include <QEvent>
+#include <QGridLayout>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
+
+namespace {
+
+constexpr qreal textWidth = 300; // points
+
+// Draws its own edge where no window manager does.
+class Question : public QMessageBox {
+public:
+    explicit Question(QWidget *panel)
+        : QMessageBox(QMessageBox::Warning, QStringLiteral("Norvane"), L("Svuotare la cronologia?"), NoButton,
+                      panel)
+    {
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QMessageBox::paintEvent(event);
+        if (!windowFlags().testFlag(Qt::BypassWindowManagerHint))
+            return;
+        QPainter painter(this);
+        painter.setPen(Palette::secondary(palette()));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+};
+
+// The box would be as wide as its title needs, and break the sentence into a column.
+void widen(QMessageBox *box)
+{
+    auto *grid = qobject_cast<QGridLayout *>(box->layout());
+    if (grid)
+        grid->addItem(new QSpacerItem(Metrics::scaled(textWidth), 0), grid->rowCount(), 0, 1,
+                      grid->columnCount());
+}
+
+} // namespace
 
 ClearDialog::~ClearDialog()
 {
@@ -21,8 +60,7 @@ void ClearDialog::ask(QWidget *panel)
 
 void ClearDialog::open(QWidget *panel)
 {
-    box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Norvane"), L("Svuotare la cronologia?"),
-                          QMessageBox::NoButton, panel);
+    box = new Question(panel);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
     box->setInformativeText(L("Gli elementi fissati restano. Non si può annullare."));
@@ -41,6 +79,7 @@ void ClearDialog::open(QWidget *panel)
         if (confirmed && onConfirm)
             onConfirm();
     });
+    widen(box);
     box->open();
 }
 
