@@ -63,6 +63,8 @@ int runApplication(const CommandLine &commandLine)
         return failure;
     }
     chooseIconTheme();
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.norvane.app"),
+                                                    QIcon(QStringLiteral(":/icons/com.norvane.app.svg"))));
     const auto platform = makeLinuxPlatform();
     Preferences::setSharedDefaults(*platform->defaults);
     AppDelegate delegate(*platform, Preferences::shared(), ClipStore::defaultFolder());
