@@ -19,8 +19,8 @@ public:
     // Appears as soon as there is a tray.
     virtual void show() = 0;
 
-    // What menuContents gives has changed. The rows follow within 200 ms; while the menu is open they stay as
-    // they are, so that nobody chooses what they did not see.
+    // What menuContents gives has changed. The rows follow within 200 ms, or when the open menu has closed,
+    // so that nobody chooses what they did not see.
     virtual void menuChanged() = 0;
 
     // The icon is dimmed while recording is paused.

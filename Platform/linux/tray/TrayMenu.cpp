@@ -63,12 +63,15 @@ QString bareKeyOf(const QKeyEvent *event)
 } // namespace
 
 // Qt's widgets take every "&" as a mark. In an exported menu "_" is the mark, and Qt makes one of the first
-// "&" only.
+// "&" only: that one is put before a character that is not seen, so that nothing is underlined.
 QString literalMenuTitle(const QString &title, MenuHost host)
 {
+    constexpr char16_t wordJoiner = u'\u2060';
+    const bool isExported = host == MenuHost::exported;
     QString literal;
-    literal.reserve(title.size());
-    bool ampersandMarks = true;
+    literal.reserve(title.size() + 2);
+    if (isExported && title.contains(u'&'))
+        literal.append(u'&').append(wordJoiner);
     for (const QChar character : title) {
         // A tab would begin the column of keys, a line break a second line.
         if (character.category() == QChar::Other_Control) {
@@ -76,12 +79,8 @@ QString literalMenuTitle(const QString &title, MenuHost host)
             continue;
         }
         literal += character;
-        const bool isMark =
-            character == u'&' ? ampersandMarks : character == u'_' && host == MenuHost::exported;
-        if (isMark)
+        if (character == (isExported ? u'_' : u'&'))
             literal += character;
-        if (character == u'&' && host == MenuHost::exported)
-            ampersandMarks = false;
     }
     return literal;
 }
@@ -112,13 +111,6 @@ TrayMenu::Groups TrayMenu::grouped(const std::vector<ClosureMenuItem> &items)
     return result;
 }
 
-bool TrayMenu::hasShapeOf(const std::vector<ClosureMenuItem> &items) const
-{
-    const Groups wanted = grouped(items);
-    return std::equal(wanted.begin(), wanted.end(), groups.begin(), groups.end(),
-                      [](const auto &rows, const Group &group) { return std::ssize(rows) == group.shown; });
-}
-
 void TrayMenu::setItems(const std::vector<ClosureMenuItem> &items)
 {
     const Groups wanted = grouped(items);
@@ -137,42 +129,52 @@ void TrayMenu::setItems(const std::vector<ClosureMenuItem> &items)
     }
 }
 
+void TrayMenu::setTexts(const std::vector<ClosureMenuItem> &items)
+{
+    Groups wanted = grouped(items);
+    for (size_t i = 0; i < groups.size() && i < wanted.size(); ++i) {
+        wanted[i].resize(std::min(wanted[i].size(), groups[i].shown));
+        fill(groups[i], wanted[i], nullptr);
+    }
+}
+
 void TrayMenu::fill(Group &group, const std::vector<ClosureMenuItem> &items, QAction *before)
 {
     while (group.rows.size() < items.size())
         group.rows.push_back(makeRow(before));
-    group.shown = std::ssize(items);
+    group.shown = items.size();
     for (size_t i = 0; i < group.rows.size(); ++i) {
         if (i < items.size())
-            setRow(group.rows[i], items[i]);
-        else
-            group.rows[i]->setVisible(false);
+            setRow(*group.rows[i], items[i]);
+        group.rows[i]->action->setVisible(i < items.size());
     }
 }
 
-QAction *TrayMenu::makeRow(QAction *before)
+std::unique_ptr<TrayMenu::Row> TrayMenu::makeRow(QAction *before)
 {
-    auto *row = new QAction(this);
-    row->setShortcutVisibleInContextMenu(true);
-    connect(row, &QAction::triggered, this, [this, row] {
-        const auto handler = handlers.value(row); // a copy: what it does may change the rows
-        if (handler)
-            handler();
+    auto row = std::make_unique<Row>();
+    row->action = new QAction(this);
+    row->action->setVisible(false);
+    row->action->setShortcutVisibleInContextMenu(true);
+    connect(row->action, &QAction::triggered, this, [made = row.get()] {
+        const ClosureMenuItem chosen = made->item; // a copy: what it does may change the rows
+        chosen.run();
     });
-    insertAction(before, row);
+    insertAction(before, row->action);
     return row;
 }
 
-void TrayMenu::setRow(QAction *row, const ClosureMenuItem &item)
+// An icon that is set is told to the tray again with all of its row, changed or not.
+void TrayMenu::setRow(Row &row, const ClosureMenuItem &item)
 {
-    row->setText(literalMenuTitle(item.title, host));
-    row->setShortcut(QKeySequence(item.key.toUpper()));
+    const ClosureMenuItem before = std::exchange(row.item, item);
+    row.action->setText(literalMenuTitle(item.title, host));
+    row.action->setShortcut(QKeySequence(item.key.toUpper()));
     // Text that looks like markup would be taken as such.
-    row->setToolTip(item.toolTip.isEmpty() ? QString() : Qt::convertFromPlainText(item.toolTip));
-    row->setIcon(iconOf(item));
-    row->setEnabled(item.enabled);
-    row->setVisible(true);
-    handlers[row] = item.handler;
+    row.action->setToolTip(item.toolTip.isEmpty() ? QString() : Qt::convertFromPlainText(item.toolTip));
+    if (before.image != item.image || before.symbol != item.symbol)
+        row.action->setIcon(iconOf(item));
+    row.action->setEnabled(item.enabled);
 }
 
 QIcon TrayMenu::iconOf(const ClosureMenuItem &item) const
@@ -197,4 +199,15 @@ void TrayMenu::keyPressEvent(QKeyEvent *event)
         }
     }
     QMenu::keyPressEvent(event);
+}
+
+void TrayMenu::changeEvent(QEvent *event)
+{
+    QMenu::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    for (const Group &group : groups) {
+        for (const auto &row : group.rows)
+            row->action->setIcon(iconOf(row->item));
+    }
 }

@@ -23,28 +23,33 @@ public:
 
     void setItems(const std::vector<ClosureMenuItem> &items);
 
-    // Setting these would change texts only: no row appears or goes.
-    [[nodiscard]] bool hasShapeOf(const std::vector<ClosureMenuItem> &items) const;
+    // Sets what the rows that are there can show of these: none appears, and one goes only when it has
+    // nothing left to show.
+    void setTexts(const std::vector<ClosureMenuItem> &items);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    struct Row {
+        QAction *action = nullptr;
+        ClosureMenuItem item; // what it shows and runs
+    };
     struct Group {
-        std::vector<QAction *> rows;
+        std::vector<std::unique_ptr<Row>> rows;
         QAction *separator = nullptr; // before the rows; none before the first group
-        qsizetype shown = 0;
+        size_t shown = 0;             // rows
     };
     using Groups = std::vector<std::vector<ClosureMenuItem>>;
 
     [[nodiscard]] static Groups grouped(const std::vector<ClosureMenuItem> &items);
     void fill(Group &group, const std::vector<ClosureMenuItem> &items, QAction *before);
-    [[nodiscard]] QAction *makeRow(QAction *before);
-    void setRow(QAction *row, const ClosureMenuItem &item);
+    [[nodiscard]] std::unique_ptr<Row> makeRow(QAction *before);
+    void setRow(Row &row, const ClosureMenuItem &item);
     [[nodiscard]] QIcon iconOf(const ClosureMenuItem &item) const;
 
     MenuHost host;
     std::unique_ptr<QStyle> rowStyle;
     std::vector<Group> groups;
-    QHash<const QAction *, std::function<void()>> handlers;
 };

@@ -8,7 +8,8 @@
 namespace {
 
 constexpr int refreshDelay = 200;  // milliseconds
-constexpr int longestOpen = 10000; // milliseconds; not every tray says that its menu has closed
+constexpr int longestOpen = 30000; // milliseconds that a menu is taken to be open
+constexpr int longestGuess = 3000; // the same, in trays that do not say when it closes
 
 } // namespace
 
@@ -18,8 +19,7 @@ TrayStatusItem::TrayStatusItem()
     refreshing.setInterval(refreshDelay);
     connect(&refreshing, &QTimer::timeout, this, &TrayStatusItem::refresh);
     openTime.setSingleShot(true);
-    openTime.setInterval(longestOpen);
-    connect(&openTime, &QTimer::timeout, this, &TrayStatusItem::closed);
+    connect(&openTime, &QTimer::timeout, this, &TrayStatusItem::refresh);
     trays.onChange = [this] { followTrays(); };
 }
 
@@ -91,16 +91,14 @@ void TrayStatusItem::refresh()
 // Rows that appear or go now would close the menu, or leave it with a wrong height.
 void TrayStatusItem::aboutToOpen()
 {
-    if (menuContents) {
-        const auto items = menuContents();
-        if (menu->hasShapeOf(items))
-            menu->setItems(items);
-    }
-    openTime.start();
+    if (menuContents)
+        menu->setTexts(menuContents());
+    openTime.start(saysClosed ? longestOpen : longestGuess);
 }
 
 void TrayStatusItem::closed()
 {
+    saysClosed = saysClosed || openTime.isActive();
     openTime.stop();
     // The row that was chosen is still to run.
     refreshing.start();

@@ -48,6 +48,7 @@ private:
     Kind kind = Kind::none;
     bool available = false;
     bool paused_ = false;
+    bool saysClosed = false; // the tray has said so before
     QTimer refreshing;
     QTimer openTime; // runs while the icon's menu is taken to be open
 };

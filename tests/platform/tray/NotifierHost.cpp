@@ -24,7 +24,8 @@ QString shown(const QString &label)
     for (qsizetype i = 0; i < label.size(); ++i) {
         if (label[i] == u'_' && ++i == label.size())
             break;
-        text += label[i];
+        if (label[i] != u'\u2060') // has no width
+            text += label[i];
     }
     return text;
 }

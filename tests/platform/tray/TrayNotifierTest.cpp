@@ -195,6 +195,20 @@ TEST_F(TrayNotifierTest, AnOpenMenuRunsWhatItShows)
     EXPECT_TRUE(shows(host, {u"copiato ora"_s, u"nuovo"_s, u"—"_s, u"Esci"_s}));
 }
 
+TEST_F(TrayNotifierTest, OpensWithTheNewestThatFitsAndFollowsLaterWithoutWord)
+{
+    rows = {row(u"due"_s), row(u"uno"_s), separator(), row(u"Esci"_s)};
+    NotifierHost host;
+    join(host);
+    rows.insert(rows.begin(), row(u"tre"_s));
+    host.open(); // and this tray never says that the menu has closed
+    EXPECT_EQ(texts(host), QStringList({u"tre"_s, u"due"_s, u"—"_s, u"Esci"_s}));
+    EXPECT_TRUE(shows(host, {u"tre"_s, u"due"_s, u"uno"_s, u"—"_s, u"Esci"_s}));
+    rows.erase(rows.begin() + 1, rows.begin() + 3);
+    host.open();
+    EXPECT_EQ(texts(host), QStringList({u"tre"_s, u"—"_s, u"Esci"_s})) << "what is gone cannot be chosen";
+}
+
 TEST_F(TrayNotifierTest, TheIconGoesByNameAndSaysWhenItIsPaused)
 {
     NotifierHost host;
