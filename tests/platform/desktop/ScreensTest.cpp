@@ -19,9 +19,9 @@ TEST(Screens, LeaveOutADockOnItsEdge)
         GTEST_SKIP() << "without a window manager nobody lists the docks";
     const X11Screens screens;
     QWidget dock;
-    dock.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
     dock.setGeometry(0, 0, 1600, 40);
     Hand hand;
+    hand.makeDock(dock);
     const quint32 strut[12] = {0, 0, 40, 0, 0, 0, 0, 0, 0, 1599, 0, 0};
     xcb_change_property(hand.server().raw(), XCB_PROP_MODE_REPLACE, static_cast<quint32>(dock.winId()),
                         hand.server().atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, 32, 12, strut);
