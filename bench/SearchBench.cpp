@@ -1,4 +1,4 @@
-#include "SampleClips.h"
+#include "bench/SampleClips.h"
 
 #include "Norvane/store/ClipSearch.h"
 #include "Vesmo/Text.h"

@@ -1,4 +1,4 @@
-#include "SampleClips.h"
+#include "bench/SampleClips.h"
 
 #include "Norvane/store/HistorySchema.h"
 

@@ -119,6 +119,7 @@ int KeyGrab::grabVariants(const Key &wanted)
     if (error != 0) {
         ungrabVariants();
         key.reset();
+        awaitServer(); // so that who is told of the refusal may grab the other variants at once
     }
     return error;
 }
@@ -157,6 +158,12 @@ void KeyGrab::end()
     letGoAt.reset();
     xcb_ungrab_keyboard(connection->raw(), XCB_CURRENT_TIME);
     connection->flush();
+}
+
+void KeyGrab::awaitServer() const
+{
+    const XcbReply<xcb_get_input_focus_reply_t> done(
+        xcb_get_input_focus_reply(connection->raw(), xcb_get_input_focus(connection->raw()), nullptr));
 }
 
 void KeyGrab::allow(uint8_t mode)

@@ -203,7 +203,7 @@ TEST_F(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
     open();
     ASSERT_TRUE(waitForPanelFocus());
     hand.click(place.center());
-    hand.wheel(outside);
+    hand.wheel(neighbour.middle());
     hand.click(place.center());
     hand.tap(Hand::x);
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
