@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Norvane/ClearDialog.h"
 #include "Norvane/app/GlobalHotKey.h"
 #include "Platform/Platform.h"
 
 #include <QObject>
 #include <QTimer>
 #include <memory>
+#include <vector>
 
 class ClipboardMonitor;
 class ClipStore;
@@ -13,6 +15,7 @@ class PasteService;
 class PopupController;
 class Preferences;
 struct CapturedClip;
+struct ClosureMenuItem;
 
 // Owns every long-lived object for the life of the process and wires them; no logic of its own. Main thread.
 class AppDelegate : public QObject {
@@ -31,12 +34,22 @@ public:
     void hidePopup();
     void togglePopup();
 
-    // What another start or the desktop asks for: "show", "hide", "toggle".
+    void togglePause();
+
+    // Asks, then deletes every clip that is not pinned.
+    void confirmClear();
+    void quit();
+
+    // What another start or the desktop asks for: "show", "hide", "toggle", "pause", "quit".
     void perform(const QString &action);
 
 private:
     void watchPreferences();
     void registerHotKey();
+    void installStatusItem();
+    void releaseStatusItem();
+    [[nodiscard]] std::vector<ClosureMenuItem> statusMenu();
+    void clearHistory();
     void handleCapture(const CapturedClip &capture);
     void explainMissingKeys();
 
@@ -48,6 +61,7 @@ private:
     std::unique_ptr<PopupController> popup;
     std::unique_ptr<PasteService> pasteService;
     GlobalHotKey hotKey;
+    ClearDialog clearDialog;
     QTimer trimming;
     QTimer showing; // running while the panel waits for the last copy to arrive
 };

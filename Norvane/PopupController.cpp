@@ -2,6 +2,7 @@
 
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
+#include "Norvane/Palette.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PopupPanel.h"
 #include "Norvane/SearchField.h"
@@ -14,6 +15,7 @@
 #include "Vesmo/Localisation.h"
 
 #include <QLabel>
+#include <QToolButton>
 
 namespace {
 
@@ -47,6 +49,11 @@ PopupController::PopupController(const Services &given)
         if (const ClipPointer clip = model.clipAt(row))
             pick(clip, PasteMode::paste);
     };
+    connect(panel->menuButton, &QToolButton::clicked, this, [this] {
+        const QPoint corner(panel->menuButton->width(), -Metrics::scaled(4));
+        if (onShowMenu)
+            onShowMenu(panel->menuButton->mapToGlobal(corner));
+    });
     connect(panel->searchField, &QLineEdit::textChanged, this, [this] { reload(false); });
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
     preparing.setSingleShot(true);
@@ -127,6 +134,11 @@ void PopupController::hide()
         defaults.setReal(panelHeightKey, panel->height());
     services.surface.dismiss();
     prepareLater();
+}
+
+void PopupController::setMenuButtonVisible(bool visible)
+{
+    panel->menuButton->setVisible(visible);
 }
 
 void PopupController::reload(bool keepSelection)

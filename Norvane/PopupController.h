@@ -42,12 +42,16 @@ public:
     std::function<void(const ClipPointer &)> onOpenInEditor;
     std::function<void(const ClipPointer &)> onEdit; // null: a new clip
     std::function<void()> onShowSettings;
+    std::function<void(const QPoint &)> onShowMenu; // above this point of the screen, ending at its left
 
     [[nodiscard]] bool isVisible() const;
 
     // Lists everything anew and opens at the place the settings say. Brought forward when open already.
     void show();
     void hide();
+
+    // A small button in the panel that calls onShowMenu: where no tray has the menu.
+    void setMenuButtonVisible(bool visible);
 
     // keepSelection: the selected clip stays selected, or what took its row.
     void reload(bool keepSelection);

@@ -1,5 +1,6 @@
 #include "Norvane/PopupPanel.h"
 
+#include "Norvane/ClipIcons.h"
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
 #include "Norvane/Palette.h"
@@ -11,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using Metrics::scaled;
@@ -41,7 +43,8 @@ protected:
 
 } // namespace
 
-PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &icons)
+PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &givenIcons)
+    : icons(givenIcons)
 {
     setObjectName(QStringLiteral("history"));
     setWindowTitle(QStringLiteral("Norvane"));
@@ -68,11 +71,19 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &
     countLabel->setFont(Metrics::font(11));
     countLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     countLabel->setTextFormat(Qt::PlainText);
+    menuButton = new QToolButton(this);
+    menuButton->setAutoRaise(true);
+    menuButton->setFocusPolicy(Qt::NoFocus);
+    menuButton->setFixedSize(scaled(20), scaled(16));
+    menuButton->setIconSize(QSize(scaled(12), scaled(12)));
+    menuButton->setAccessibleName(L("Menu"));
+    menuButton->hide();
     auto *bottom = new QHBoxLayout;
     bottom->setContentsMargins(scaled(14), scaled(6), scaled(14), scaled(8));
     bottom->setSpacing(scaled(10));
     bottom->addWidget(hintLabel, 1);
     bottom->addWidget(countLabel);
+    bottom->addWidget(menuButton);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -155,6 +166,8 @@ void PopupPanel::applyColours()
         colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
         label->setPalette(colours);
     }
+    menuButton->setIcon(
+        icons.symbol(QStringLiteral("menu"), scaled(12), Palette::secondary(palette()), devicePixelRatioF()));
 }
 
 void PopupPanel::elideHint()

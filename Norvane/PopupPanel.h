@@ -10,6 +10,7 @@ class FilterControl;
 class Pasteboard;
 class SearchField;
 class QLabel;
+class QToolButton;
 
 // The panel's window and its views: layout only. Main thread.
 //
@@ -30,6 +31,7 @@ public:
     ClipTableView *tableView;
     QLabel *hintLabel;
     QLabel *countLabel;
+    QToolButton *menuButton; // opens the status menu; hidden where the tray has it
 
     void setHint(const QString &hint);
 
@@ -45,5 +47,6 @@ private:
     void applyColours();
     void elideHint();
 
+    ClipIcons &icons;
     QString hint;
 };

@@ -8,6 +8,7 @@
 #include "Platform/PanelSurface.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/Screens.h"
+#include "Platform/StatusItem.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
 
@@ -25,4 +26,5 @@ struct Platform {
     std::unique_ptr<PanelSurface> panelSurface;
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Screens> screens;
+    std::unique_ptr<StatusItem> statusItem;
 };

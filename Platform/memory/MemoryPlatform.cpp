@@ -154,6 +154,29 @@ void MemoryPanelSurface::requestDismissal() const
         onDismissRequest();
 }
 
+void MemoryStatusItem::setTray(bool present)
+{
+    const bool before = isAvailable();
+    hasTray = present;
+    if (isAvailable() != before && onAvailabilityChange)
+        onAvailabilityChange();
+}
+
+std::vector<ClosureMenuItem> MemoryStatusItem::menu() const
+{
+    return menuContents ? menuContents() : std::vector<ClosureMenuItem>();
+}
+
+void MemoryStatusItem::choose(const QString &title) const
+{
+    for (const auto &item : menu()) {
+        if (item.title == title && item.enabled) {
+            item.run();
+            return;
+        }
+    }
+}
+
 MemoryInstance::~MemoryInstance()
 {
     if (room.running == this)
@@ -188,5 +211,6 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->panelSurface = std::make_unique<MemoryPanelSurface>();
     platform->keyEvents = std::make_unique<MemoryKeyEvents>();
     platform->screens = std::make_unique<MemoryScreens>();
+    platform->statusItem = std::make_unique<MemoryStatusItem>();
     return platform;
 }

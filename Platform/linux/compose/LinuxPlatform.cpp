@@ -2,6 +2,7 @@
 
 #include "Platform/linux/compose/AbsentPasteboard.h"
 #include "Platform/linux/dbus/DBusInstance.h"
+#include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
 #include "Platform/linux/x11/X11KeyboardLayout.h"
@@ -42,5 +43,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->workspace = std::move(workspace);
     platform->hotKeys = std::move(hotKeys);
     platform->screens = std::make_unique<X11Screens>();
+    platform->statusItem = std::make_unique<TrayStatusItem>();
     return platform;
 }

@@ -16,7 +16,7 @@ namespace {
 constexpr double cornerRadius = 12; // points
 // Milliseconds.
 constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
-constexpr int childEnds = 200; // while which the focus wanders after a dialog of the panel has ended
+constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
 constexpr int retakeAgain = 20;
 constexpr int ownPressArrives = 15; // from the X server by way of Qt
 
@@ -258,8 +258,6 @@ void X11PanelSurface::retakeFocus()
         QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
         return;
     }
-    if (!panel->isActiveWindow())
-        QApplication::setActiveWindow(panel);
 }
 
 void X11PanelSurface::whenDeactivated()
