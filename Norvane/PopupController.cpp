@@ -4,6 +4,7 @@
 #include "Norvane/FilterControl.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PopupPanel.h"
+#include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
@@ -13,6 +14,7 @@
 #include "Platform/Workspace.h"
 #include "Vesmo/Localisation.h"
 
+#include <QItemSelectionModel>
 #include <QLabel>
 
 namespace {
@@ -29,7 +31,7 @@ bool needsText(PasteMode mode)
 
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
-      panel(std::make_unique<PopupPanel>(given.pasteboard, model, icons))
+      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons))
 {
     const UserDefaults &defaults = services.prefs.defaults();
     panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
@@ -51,6 +53,8 @@ PopupController::PopupController(const Services &given)
         if (isVisible())
             reload(true);
     });
+    connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PopupController::showPreview);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
 }
@@ -71,6 +75,7 @@ void PopupController::show()
         const QSignalBlocker blocker(panel->searchField);
         panel->searchField->clear();
     }
+    panel->setPreviewShown(services.prefs.showPreview());
     reload(false);
     panel->searchField->setFocus();
     place();
@@ -120,7 +125,14 @@ void PopupController::reload(bool keepSelection)
             row = std::min(rememberedRow, static_cast<int>(listed.size()) - 1);
         select(row);
     }
+    showPreview();
     updateCount();
+}
+
+void PopupController::showPreview()
+{
+    if (services.prefs.showPreview())
+        panel->previewPane->show(selectedClip(), services.store);
 }
 
 void PopupController::updateCount()
