@@ -5,6 +5,7 @@
 #include "Norvane/Palette.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PopupPanel.h"
+#include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
@@ -14,6 +15,7 @@
 #include "Platform/Workspace.h"
 #include "Vesmo/Localisation.h"
 
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QToolButton>
 
@@ -33,7 +35,7 @@ bool needsText(PasteMode mode)
 
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
-      panel(std::make_unique<PopupPanel>(given.pasteboard, model, icons))
+      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons))
 {
     const UserDefaults &defaults = services.prefs.defaults();
     panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
@@ -65,6 +67,8 @@ PopupController::PopupController(const Services &given)
         else
             prepareLater();
     });
+    connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PopupController::showPreview);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();
@@ -96,6 +100,7 @@ void PopupController::prepare()
         const QSignalBlocker blocker(panel->searchField);
         panel->searchField->clear();
     }
+    panel->setPreviewShown(services.prefs.showPreview());
     reload(false);
     prepared = true;
 }
@@ -159,7 +164,14 @@ void PopupController::reload(bool keepSelection)
             row = std::min(rememberedRow, static_cast<int>(listed.size()) - 1);
         select(row);
     }
+    showPreview();
     updateCount();
+}
+
+void PopupController::showPreview()
+{
+    if (services.prefs.showPreview())
+        panel->previewPane->show(selectedClip(), services.store);
 }
 
 void PopupController::updateCount()

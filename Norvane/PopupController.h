@@ -69,6 +69,7 @@ private:
     void beep();
     void setFilter(int segment);
     void stepFilter(int step);
+    void showPreview();
     void updateCount();
     void leaveFor(const std::function<void()> &action);
 

@@ -258,6 +258,8 @@ void X11PanelSurface::retakeFocus()
         QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
         return;
     }
+    if (!panel->isActiveWindow())
+        QApplication::setActiveWindow(panel);
 }
 
 void X11PanelSurface::whenDeactivated()
