@@ -10,11 +10,9 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
-constexpr double cornerRadius = 12; // points
 // Milliseconds.
 constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
 constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
@@ -30,14 +28,6 @@ void awaitQtRequests()
     xcb_connection_t *connection = native->connection();
     const XcbReply<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
-
-bool compositorPresent(const XcbConnection &connection)
-{
-    const XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection.raw(), xcb_get_selection_owner(connection.raw(), connection.atom("_NET_WM_CM_S0")),
-        nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 // Qt names windows after the executable and the application; the panel's name must not depend on either.
@@ -65,21 +55,6 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     while (parent != nullptr && parent != panel)
         parent = parent->parent();
     return parent != nullptr;
-}
-
-// A rectangle with its corners cut along a circle, line by line: a region's own ellipse and the polygon of a curve
-// leave flat corners.
-QRegion roundedMask(const QSize &size)
-{
-    const int radius = qRound(cornerRadius);
-    QRegion mask(0, radius, size.width(), size.height() - 2 * radius);
-    for (int line = 0; line < radius; ++line) {
-        const double height = radius - line - 0.5; // of the line's middle above the circle's
-        const int inset = radius - qRound(std::sqrt(radius * radius - height * height));
-        mask += QRect(inset, line, size.width() - 2 * inset, 1);
-        mask += QRect(inset, size.height() - 1 - line, size.width() - 2 * inset, 1);
-    }
-    return mask;
 }
 
 } // namespace
@@ -114,6 +89,7 @@ void X11PanelSurface::adopt(QWidget *widget)
     panel = widget;
     panel->setWindowFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::BypassWindowManagerHint |
                           Qt::WindowStaysOnTopHint);
+    shape.adopt(panel);
     panel->winId(); // made now, so that the first press finds it ready
     if (RememberedWindow *front = workspace.remembered()) {
         awaitQtRequests();
@@ -138,7 +114,7 @@ void X11PanelSurface::present(const QRect &geometry)
         focus->remember(nativeWindow());
     }
     panel->setGeometry(geometry);
-    shape();
+    shape.update();
     showAndTakeKeyboard();
     if (!presented) {
         presented = true;
@@ -196,20 +172,6 @@ void X11PanelSurface::dismiss()
     hotKeys.releaseKeyboard();
 }
 
-void X11PanelSurface::shape()
-{
-    RememberedWindow *front = workspace.remembered();
-    if (panel->testAttribute(Qt::WA_TranslucentBackground) && front && compositorPresent(front->server())) {
-        panel->clearMask();
-        maskedSize = {};
-        return;
-    }
-    if (maskedSize == panel->size())
-        return;
-    maskedSize = panel->size();
-    panel->setMask(roundedMask(maskedSize));
-}
-
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
@@ -219,7 +181,7 @@ bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (window == panel) {
         if (event->type() == QEvent::Resize)
-            shape();
+            shape.update();
         if (event->type() == QEvent::WindowDeactivate)
             QTimer::singleShot(0, this, &X11PanelSurface::whenDeactivated);
         return false;
