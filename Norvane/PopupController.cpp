@@ -69,6 +69,7 @@ PopupController::PopupController(const Services &given)
     });
     connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PopupController::showPreview);
+    connect(&services.prefs, &Preferences::showPreviewChanged, this, [this] { prepared = false; });
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();

@@ -29,6 +29,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void deleteFrom(int position);
+
     Pasteboard &pasteboard;
     ClipIcons &icons;
 };

@@ -7,7 +7,9 @@
 #include <array>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <tuple>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -108,6 +110,20 @@ TEST_F(EnvironmentTest, AWaylandSessionIsUsedThroughX11AndSaysSoOnce)
         EXPECT_EQ(prepared(plugin, wayland, session), plugin);
         EXPECT_TRUE(log.isEmpty());
     }
+}
+
+TEST(LinuxPlatform, AMissingHomeIsTheUsersOwn)
+{
+    const QByteArray before = qgetenv("HOME");
+    for (const char *given : {"", "/elsewhere"}) {
+        qputenv("HOME", given);
+        prepareLinuxEnvironment();
+        EXPECT_EQ(qgetenv("HOME"), *given ? given : ::getpwuid(::getuid())->pw_dir);
+    }
+    qunsetenv("HOME");
+    prepareLinuxEnvironment();
+    EXPECT_EQ(qgetenv("HOME"), ::getpwuid(::getuid())->pw_dir);
+    qputenv("HOME", before);
 }
 
 TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
