@@ -4,8 +4,10 @@
 #include "Platform/Platform.h"
 
 #include <QObject>
+#include <QRectF>
 #include <QTimer>
 #include <memory>
+#include <optional>
 
 class ClipboardMonitor;
 class ClipStore;
@@ -26,8 +28,11 @@ public:
     // Builds everything in its order and starts recording.
     void finishLaunching();
 
-    // Opens the panel with everything copied until now in it; brings it forward when it is open.
+    // Opens the panel with everything copied until now in it, at the text caret when the settings say so;
+    // brings it forward when it is open. Waits for both at most 100 milliseconds, without blocking.
     void showPopup();
+
+    // Closes the panel, or keeps it from opening.
     void hidePopup();
     void togglePopup();
 
@@ -36,6 +41,10 @@ public:
 
 private:
     void watchPreferences();
+    void followCaret();
+    void askForCaret();
+    void showWhenReady();
+    void present();
     void registerHotKey();
     void handleCapture(const CapturedClip &capture);
     void explainMissingKeys();
@@ -49,5 +58,14 @@ private:
     std::unique_ptr<PasteService> pasteService;
     GlobalHotKey hotKey;
     QTimer trimming;
-    QTimer showing; // running while the panel waits for the last copy to arrive
+
+    // Between the press and the panel: what it still waits for.
+    struct Opening {
+        int number = 0; // tells the answers to this opening from late ones to another
+        bool caughtUp = false;
+        bool caretKnown = false;
+        std::optional<QRectF> caret;
+    };
+    Opening opening;
+    QTimer showing; // running while the panel waits
 };

@@ -65,7 +65,7 @@ bool PopupController::isVisible() const
     return services.surface.isPresented();
 }
 
-void PopupController::show()
+void PopupController::show(const std::optional<QRectF> &caret)
 {
     {
         const QSignalBlocker blocker(panel->searchField);
@@ -73,10 +73,10 @@ void PopupController::show()
     }
     reload(false);
     panel->searchField->setFocus();
-    place();
+    place(caret);
 }
 
-void PopupController::place()
+void PopupController::place(const std::optional<QRectF> &caret)
 {
     const auto areas = services.screens.screens();
     const double primaryHeight = areas.empty() ? 0 : areas.front().frame.height();
@@ -87,8 +87,9 @@ void PopupController::place()
                            PanelPlacement::flipped(area.visibleFrame, primaryHeight)});
     if (screens.empty())
         return;
+    const auto anchor = caret ? std::optional(PanelPlacement::flipped(*caret, primaryHeight)) : std::nullopt;
     const auto frame =
-        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), std::nullopt,
+        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), anchor,
                               PanelPlacement::flipped(services.screens.pointer(), primaryHeight), screens);
     services.surface.present(PanelPlacement::flipped(frame, primaryHeight).toRect());
 }

@@ -6,8 +6,10 @@
 #include "Norvane/store/ClipSearch.h"
 
 #include <QObject>
+#include <QRectF>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ClipStore;
 class DesktopEntries;
@@ -44,8 +46,9 @@ public:
 
     [[nodiscard]] bool isVisible() const;
 
-    // Lists everything anew and opens at the place the settings say. Brought forward when open already.
-    void show();
+    // Lists everything anew and opens at the place the settings say; `caret`, in Qt's coordinates, is where
+    // that is the text caret, the pointer when absent. Brought forward when open already.
+    void show(const std::optional<QRectF> &caret = {});
     void hide();
 
     // keepSelection: the selected clip stays selected, or what took its row.
@@ -57,7 +60,7 @@ public:
     [[nodiscard]] PopupPanel &window() { return *panel; }
 
 private:
-    void place();
+    void place(const std::optional<QRectF> &caret);
     void pick(const ClipPointer &clip, PasteMode mode);
     void beep();
     void setFilter(int segment);

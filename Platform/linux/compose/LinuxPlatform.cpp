@@ -1,6 +1,7 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include "Platform/linux/compose/AbsentPasteboard.h"
+#include "Platform/linux/dbus/AtSpiCaret.h"
 #include "Platform/linux/dbus/DBusInstance.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
@@ -29,6 +30,12 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     auto workspace = std::make_unique<X11Workspace>(entries);
     auto hotKeys = X11HotKeys::create();
     platform->panelSurface = std::make_unique<X11PanelSurface>(*hotKeys, *workspace);
+
+    platform->accessibility = std::make_unique<AtSpiCaret>([desktop = workspace.get()]()
+                                                               -> std::optional<CaretWindow> {
+        const auto area = desktop->rememberedArea();
+        return area ? std::optional(CaretWindow{desktop->remembered()->identity().pid, *area}) : std::nullopt;
+    });
 
     std::function<void()> ownPrimary = [] {};
     if (auto pasteboard = X11Pasteboard::create(entries)) {
