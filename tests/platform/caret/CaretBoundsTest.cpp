@@ -52,7 +52,8 @@ TEST(CaretBounds, AcceptsACaretInsideItsWindowOnly)
                                            {{150, 150, 0, 0}, false},
                                            {{150, 150, 1999, 18}, true},
                                            {{150, 150, 2000, 18}, false}})
-        EXPECT_EQ(CaretBounds::isAcceptable(c.caret, window), c.accepted) << c.caret.x() << ',' << c.caret.y();
+        EXPECT_EQ(CaretBounds::isAcceptable(c.caret, window), c.accepted)
+            << c.caret.x() << ',' << c.caret.y();
 }
 
 TEST(CaretBounds, PutsACaretWithoutAPlaceWhereTheTextGoesOn)

@@ -4,15 +4,7 @@
 #include "tests/desktop/Screenshot.h"
 
 #include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
-#include <ostream>
-
-void PrintTo(const QRectF &rect, std::ostream *stream)
-{
-    *stream << rect.x() << ',' << rect.y() << ' ' << rect.width() << 'x' << rect.height();
-}
 
 namespace {
 
@@ -32,11 +24,18 @@ void CaretStage::SetUp()
 {
     keepGtkCaretOn();
     workspace = std::make_unique<X11Workspace>(std::make_shared<MemoryDesktopEntries>());
-    service = std::make_unique<AtSpiCaret>([this]() -> std::optional<CaretWindow> {
+    service = makeService();
+}
+
+std::unique_ptr<AtSpiCaret> CaretStage::makeService()
+{
+    auto made = std::make_unique<AtSpiCaret>([this]() -> std::optional<CaretWindow> {
         const auto area = workspace->rememberedArea();
-        return area ? std::optional(CaretWindow{workspace->remembered()->identity().pid, *area}) : std::nullopt;
+        return area ? std::optional(CaretWindow{workspace->remembered()->identity().pid, *area})
+                    : std::nullopt;
     });
-    service->setCaretWanted(true);
+    made->setCaretWanted(true);
+    return made;
 }
 
 bool CaretStage::connect()
@@ -44,33 +43,7 @@ bool CaretStage::connect()
     return QTest::qWaitFor([this] { return service->caretAvailable(); }, 15000);
 }
 
-CaretStage::Answer CaretStage::ask()
-{
-    Answer answer;
-    QEventLoop loop;
-    QElapsedTimer sinceRequest, sinceTick;
-    QTimer ticks, limit;
-    ticks.setTimerType(Qt::PreciseTimer);
-    ticks.callOnTimeout(&loop,
-                        [&] { answer.largestGap = std::max(answer.largestGap, sinceTick.restart()); });
-    limit.callOnTimeout(&loop, &QEventLoop::quit);
-    sinceTick.start();
-    ticks.start(2);
-    limit.start(5000);
-    sinceRequest.start();
-    service->requestCaretRect([&](const std::optional<QRectF> &caret) {
-        answer.came = true;
-        answer.caret = caret;
-        answer.milliseconds = sinceRequest.elapsed();
-        loop.quit();
-    });
-    loop.exec();
-    answer.largestGap = std::max(answer.largestGap, sinceTick.elapsed());
-    return answer;
-}
-
-std::optional<QRectF>
-CaretStage::awaitCaret(const std::function<bool(const std::optional<QRectF> &)> &test)
+std::optional<QRectF> CaretStage::awaitCaret(const std::function<bool(const std::optional<QRectF> &)> &test)
 {
     std::optional<QRectF> caret;
     EXPECT_TRUE(QTest::qWaitFor([&] { return test(caret = ask().caret); }, 8000))
@@ -87,7 +60,7 @@ bool CaretStage::bringToFront(const WindowMatch &match)
     return desktop.waitFor([this] { return desktop.activeWindow() == window; });
 }
 
-bool CaretStage::startMousepad(const QByteArray &text)
+bool CaretStage::startMousepad(const QByteArray &text, const QStringList &variables)
 {
     const QString path = scratch.filePath(QStringLiteral("note.txt"));
     QFile file(path);
@@ -95,7 +68,7 @@ bool CaretStage::startMousepad(const QByteArray &text)
         return false;
     file.close();
     program = std::make_unique<Child>(Child::Setting{
-        QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), path}, {}, {}});
+        QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), path}, {}, variables});
     return bringToFront({QStringLiteral("Mousepad"), QStringLiteral("note.txt"), {}, 0});
 }
 
@@ -113,10 +86,11 @@ bool CaretStage::isDrawn(const QRectF &caret) const
     return false;
 }
 
-CaretEntry::CaretEntry(const QString &kind, const QString &text, int position)
+CaretEntry::CaretEntry(const QString &kind, const QString &text, int position, int scale)
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(QStringLiteral(CARET_ENTRY), {kind, text, QString::number(position)});

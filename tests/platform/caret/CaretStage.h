@@ -1,32 +1,26 @@
 #pragma once
 
-#include "Platform/linux/dbus/AtSpiCaret.h"
 #include "Platform/linux/x11/X11Workspace.h"
 #include "tests/desktop/Child.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/Keyboard.h"
+#include "tests/platform/caret/CaretAnswer.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
-void PrintTo(const QRectF &rect, std::ostream *stream);
-
 // A desktop with one program in front and the service that asks it for its caret.
 class CaretStage : public ::testing::Test {
 protected:
-    struct Answer {
-        bool came = false;
-        std::optional<QRectF> caret;
-        qint64 milliseconds = 0; // from the request
-        qint64 largestGap = 0;   // milliseconds that the main thread's event loop stood still
-    };
+    using Answer = CaretAnswer;
 
     void SetUp() override;
 
-    [[nodiscard]] bool connect(); // the service, to the accessibility bus
-    [[nodiscard]] Answer ask();
+    [[nodiscard]] std::unique_ptr<AtSpiCaret> makeService(); // one that follows the focus
+    [[nodiscard]] bool connect();                            // the service, to the accessibility bus
+    [[nodiscard]] Answer ask() { return askForCaret(*service); }
 
     // Asks until the caret is one like this: programs tell what was typed a moment later.
     [[nodiscard]] std::optional<QRectF>
@@ -36,7 +30,7 @@ protected:
     [[nodiscard]] bool bringToFront(const WindowMatch &match);
 
     // Mousepad with this text, the caret at its beginning.
-    [[nodiscard]] bool startMousepad(const QByteArray &text);
+    [[nodiscard]] bool startMousepad(const QByteArray &text, const QStringList &variables = {});
 
     // Dark from top to bottom at the caret: it is drawn there.
     [[nodiscard]] bool isDrawn(const QRectF &caret) const;
@@ -53,7 +47,7 @@ protected:
 // Our own program to look for the caret in.
 class CaretEntry {
 public:
-    CaretEntry(const QString &kind, const QString &text, int position);
+    CaretEntry(const QString &kind, const QString &text, int position, int scale = 1);
     ~CaretEntry();
 
     [[nodiscard]] bool hasKeyboard() { return nextLine() == u"ready"; }

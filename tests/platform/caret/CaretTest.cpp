@@ -1,10 +1,16 @@
 // The caret of real programs.
 
-#include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/KeyCodes.h"
+#include "Platform/linux/x11/X11HotKeys.h"
 #include "tests/platform/caret/CaretStage.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDBusVariant>
+#include <csignal>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -79,21 +85,25 @@ TEST_F(CaretUnderHotKey, IsKnownFromWhatTheProgramToldOfItsFocus)
 {
     ASSERT_TRUE(connect());
     ASSERT_TRUE(startMousepad("testo"));
+    auto listening = std::exchange(service, makeService());
+    ASSERT_TRUE(connect());
     const auto before = awaitCaret([](const auto &caret) { return caret.has_value(); });
+    service = std::move(listening); // which has not asked the program for anything yet
     expectToBeKnown(before);
 }
 
-TEST_F(CaretUnderHotKey, IsKnownInAProgramThatWasInFrontAtTheStart)
+TEST_F(CaretUnderHotKey, IsKnownInAProgramThatHadTheFocusBeforeTheServiceCame)
 {
-    ASSERT_TRUE(startMousepad("testo"));
     ASSERT_TRUE(connect());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return ask().came; }));
-    service->setCaretWanted(false); // learns anew
-    service->setCaretWanted(true);
-    expectToBeKnown(ask().caret);
+    ASSERT_TRUE(startMousepad("testo"));
+    const auto before = awaitCaret([](const auto &caret) { return caret.has_value(); });
+    service = makeService();
+    ASSERT_TRUE(connect());
+    expectToBeKnown(before);
 }
 
-class CaretInQt : public CaretStage, public ::testing::WithParamInterface<std::tuple<const char *, const char *, int>> {};
+class CaretInQt : public CaretStage,
+                  public ::testing::WithParamInterface<std::tuple<const char *, const char *, int>> {};
 
 TEST_P(CaretInQt, IsWhereTheToolkitHasIt)
 {
@@ -112,10 +122,62 @@ TEST_P(CaretInQt, IsWhereTheToolkitHasIt)
 }
 
 INSTANTIATE_TEST_SUITE_P(Fields, CaretInQt,
-                         ::testing::Values(std::tuple{"line", "una riga", 3}, std::tuple{"line", "una riga", 8},
-                                           std::tuple{"line", "", 0}, std::tuple{"view", "prima\nseconda", 8},
+                         ::testing::Values(std::tuple{"line", "una riga", 3},
+                                           std::tuple{"line", "una riga", 8}, std::tuple{"line", "", 0},
+                                           std::tuple{"view", "prima\nseconda", 8},
                                            std::tuple{"view", "prima\nseconda", 13},
                                            std::tuple{"view", "prima\n", 6}, std::tuple{"view", "", 0}));
+
+TEST_F(CaretTest, IsInTheServersPixelsWhateverTheProgramCountsIn)
+{
+    ASSERT_TRUE(connect());
+    ASSERT_TRUE(startMousepad("testo", {u"GDK_SCALE=2"_s}));
+    const auto start = awaitCaret([](const auto &caret) { return caret.has_value(); });
+    ASSERT_TRUE(start);
+    EXPECT_TRUE(isDrawn(*start)) << ::testing::PrintToString(*start);
+    program.reset();
+
+    CaretEntry entry(u"line"_s, u"una riga"_s, 4, 2);
+    ASSERT_TRUE(entry.hasKeyboard());
+    ASSERT_TRUE(bringToFront({{}, u"Caret entry"_s, {}, 0}));
+    const auto caret = awaitCaret([](const auto &found) { return found.has_value(); });
+    ASSERT_TRUE(caret);
+    const QRectF real = entry.realCaret();
+    EXPECT_NEAR(caret->left(), 2 * real.center().x(), 16) << ::testing::PrintToString(real);
+    EXPECT_NEAR(caret->center().y(), 2 * real.center().y(), 24) << ::testing::PrintToString(*caret);
+}
+
+// A request to a program that hangs is answered all the same, and nobody waits for it meanwhile.
+TEST_F(CaretTest, OfAStoppedProgramIsAbsentInTimeAndThereAgainWhenItGoesOn)
+{
+    ASSERT_TRUE(connect());
+    ASSERT_TRUE(startMousepad("testo"));
+    ASSERT_TRUE(awaitCaret([](const auto &caret) { return caret.has_value(); }));
+    program->signal(SIGSTOP);
+    for (int round = 0; round < 3; ++round) {
+        const Answer answer = ask();
+        EXPECT_TRUE(answer.came);
+        EXPECT_EQ(answer.caret, std::nullopt);
+        EXPECT_GE(answer.milliseconds, 50) << "it may still answer";
+        EXPECT_LT(answer.milliseconds, 150);
+        EXPECT_LT(answer.largestGap, 60) << "the main thread waited";
+    }
+    program->signal(SIGCONT);
+    EXPECT_TRUE(awaitCaret([](const auto &caret) { return caret.has_value(); }));
+}
+
+TEST_F(CaretTest, IsFoundWithoutSwitchingAccessibilityOn)
+{
+    ASSERT_TRUE(connect());
+    ASSERT_TRUE(startMousepad("testo"));
+    ASSERT_TRUE(awaitCaret([](const auto &caret) { return caret.has_value(); }));
+    auto question = QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s,
+                                                   u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    question << u"org.a11y.Status"_s << u"IsEnabled"_s;
+    const QDBusReply<QDBusVariant> enabled = QDBusConnection::sessionBus().call(question);
+    ASSERT_TRUE(enabled.isValid());
+    EXPECT_FALSE(enabled.value().variant().toBool());
+}
 
 TEST_F(CaretTest, OfATerminalThatTellsNothingIsAbsentWhateverElseIsOpen)
 {
