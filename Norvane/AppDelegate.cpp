@@ -1,12 +1,15 @@
 #include "Norvane/AppDelegate.h"
 
 #include "Norvane/PopupController.h"
+#include "Norvane/PopupPanel.h"
+#include "Norvane/StatusMenu.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/capture/ClipboardMonitor.h"
 #include "Norvane/paste/PasteService.h"
 #include "Norvane/store/ClipStore.h"
 #include "Vesmo/Localisation.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QPointer>
 
@@ -14,6 +17,7 @@ namespace {
 
 constexpr int trimDelay = 1000;  // milliseconds after the last change of a limit
 constexpr int longestWait = 100; // milliseconds that opening the panel waits for copies and the caret
+constexpr int menuDelay = 100;   // milliseconds from a row of the status menu to the panel
 
 } // namespace
 
@@ -33,6 +37,7 @@ AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, cons
 
 AppDelegate::~AppDelegate()
 {
+    releaseStatusItem();
     // The captures still in work are delivered while the store is there to take them.
     monitor.reset();
 }
@@ -59,11 +64,85 @@ void AppDelegate::finishLaunching()
     registerHotKey();
     watchPreferences();
     followCaret();
+    installStatusItem();
 }
 
 void AppDelegate::followCaret()
 {
     platform.accessibility->setCaretWanted(prefs.position() == PopupPosition::caret);
+}
+
+void AppDelegate::installStatusItem()
+{
+    StatusItem &item = *platform.statusItem;
+    item.menuContents = [this] { return statusMenu(); };
+    item.onActivate = [this] { showPopup(); };
+    item.onAvailabilityChange = [this, &item] { popup->setMenuButtonVisible(!item.isAvailable()); };
+    popup->onShowMenu = [&item](const QPoint &corner) { item.popUpMenu(corner); };
+    connect(store.get(), &ClipStore::ClipStoreDidChange, this, [&item] { item.menuChanged(); });
+    connect(&prefs, &Preferences::shortcutChanged, this, [&item] { item.menuChanged(); });
+    clearDialog.onConfirm = [this] { clearHistory(); };
+    item.show();
+    item.onAvailabilityChange();
+}
+
+// The desktop's services outlive this.
+void AppDelegate::releaseStatusItem()
+{
+    platform.statusItem->menuContents = nullptr;
+    platform.statusItem->onActivate = nullptr;
+    platform.statusItem->onAvailabilityChange = nullptr;
+}
+
+std::vector<ClosureMenuItem> AppDelegate::statusMenu()
+{
+    const auto guarded = [guard = QPointer(this)](void (AppDelegate::*command)()) {
+        return [guard, command] {
+            if (guard)
+                (guard->*command)();
+        };
+    };
+    StatusMenuActions actions;
+    actions.showPopup = [guard = QPointer(this)] {
+        if (guard)
+            QTimer::singleShot(menuDelay, guard, &AppDelegate::showPopup);
+    };
+    actions.togglePause = guarded(&AppDelegate::togglePause);
+    actions.confirmClear = guarded(&AppDelegate::confirmClear);
+    actions.quit = guarded(&AppDelegate::quit);
+    actions.paste = [guard = QPointer(this)](const ClipPointer &clip, PasteMode mode) {
+        if (!guard)
+            return;
+        guard->hidePopup(); // the menu may have been the panel's
+        guard->pasteService->paste(clip, mode);
+    };
+    return statusMenuItems(store->clips(), monitor->isPaused(),
+                           displayString(prefs.shortcut(), *platform.keyboardLayout), actions);
+}
+
+void AppDelegate::togglePause()
+{
+    monitor->setPaused(!monitor->isPaused());
+    platform.statusItem->setPaused(monitor->isPaused());
+    platform.statusItem->menuChanged();
+}
+
+void AppDelegate::confirmClear()
+{
+    clearDialog.ask(popup->isVisible() ? &popup->window() : nullptr);
+}
+
+void AppDelegate::clearHistory()
+{
+    ClipList doomed;
+    std::ranges::copy_if(store->clips(), std::back_inserter(doomed),
+                         [](const ClipPointer &clip) { return !clip->pinned; });
+    store->deleteAll(doomed);
+}
+
+void AppDelegate::quit()
+{
+    QCoreApplication::quit();
 }
 
 void AppDelegate::registerHotKey()
@@ -164,6 +243,10 @@ void AppDelegate::perform(const QString &action)
         togglePopup();
     else if (action == QStringLiteral("hide"))
         hidePopup();
+    else if (action == QStringLiteral("pause"))
+        togglePause();
+    else if (action == QStringLiteral("quit"))
+        quit();
     else
         showPopup();
 }

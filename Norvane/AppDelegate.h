@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Norvane/ClearDialog.h"
 #include "Norvane/app/GlobalHotKey.h"
 #include "Platform/Platform.h"
 
@@ -8,6 +9,7 @@
 #include <QTimer>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class ClipboardMonitor;
 class ClipStore;
@@ -15,6 +17,7 @@ class PasteService;
 class PopupController;
 class Preferences;
 struct CapturedClip;
+struct ClosureMenuItem;
 
 // Owns every long-lived object for the life of the process and wires them; no logic of its own. Main thread.
 class AppDelegate : public QObject {
@@ -36,7 +39,13 @@ public:
     void hidePopup();
     void togglePopup();
 
-    // What another start or the desktop asks for: "show", "hide", "toggle".
+    void togglePause();
+
+    // Asks, then deletes every clip that is not pinned.
+    void confirmClear();
+    void quit();
+
+    // What another start or the desktop asks for: "show", "hide", "toggle", "pause", "quit".
     void perform(const QString &action);
 
 private:
@@ -46,6 +55,10 @@ private:
     void showWhenReady();
     void present();
     void registerHotKey();
+    void installStatusItem();
+    void releaseStatusItem();
+    [[nodiscard]] std::vector<ClosureMenuItem> statusMenu();
+    void clearHistory();
     void handleCapture(const CapturedClip &capture);
     void explainMissingKeys();
 
@@ -57,6 +70,7 @@ private:
     std::unique_ptr<PopupController> popup;
     std::unique_ptr<PasteService> pasteService;
     GlobalHotKey hotKey;
+    ClearDialog clearDialog;
     QTimer trimming;
 
     // Between the press and the panel: what it still waits for.

@@ -39,15 +39,6 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
     painter->restore();
 }
 
-void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font,
-              const QColor &color)
-{
-    painter->setFont(font);
-    painter->setPen(color);
-    const QString elided = QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width());
-    painter->drawText(frame, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, elided);
-}
-
 // A slim bar without buttons: the toolkit's own is as loud as the list itself.
 QString scrollBarStyle(const QPalette &palette)
 {
@@ -65,6 +56,25 @@ QString scrollBarStyle(const QPalette &palette)
 }
 
 } // namespace
+
+// One line, cut to its frame. Shaping text is most of what a row costs, and the same rows are painted at every
+// opening, so the glyphs are kept.
+void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font) const
+{
+    const QString key = QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u' ' + text;
+    QStaticText *line = lines.object(key);
+    if (!line) {
+        line = new QStaticText(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
+        line->setTextFormat(Qt::PlainText);
+        QTextOption option;
+        option.setWrapMode(QTextOption::NoWrap);
+        line->setTextOption(option);
+        line->prepare(painter->transform(), font);
+        lines.insert(key, line);
+    }
+    painter->setFont(font);
+    painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2), *line);
+}
 
 ClipCellView::ClipCellView(ClipIcons &clipIcons, const ClipListModel &listModel, QObject *parent)
     : QStyledItemDelegate(parent), icons(clipIcons), model(listModel)
@@ -122,7 +132,8 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QRect titleFrame(textLeft, row.top() + scaled(textTop),
                            row.right() - scaled(pinTrailing) - pinSpace - textLeft,
                            QFontMetrics(titleFont).height());
-    drawText(painter, titleFrame, titleText(*clip, listTitleLength), titleFont, label);
+    painter->setPen(label);
+    drawText(painter, titleFrame, titleText(*clip, listTitleLength), titleFont);
 
     const int detailHeight = QFontMetrics(detailFont).height();
     QRect detailFrame(textLeft, row.bottom() + 1 - scaled(textBottom) - detailHeight,
@@ -134,7 +145,8 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
                  appIcon, false);
         detailFrame.setLeft(detailFrame.left() + appSide + scaled(detailGap));
     }
-    drawText(painter, detailFrame, detailText(*clip), detailFont, secondary);
+    painter->setPen(secondary);
+    drawText(painter, detailFrame, detailText(*clip), detailFont);
 
     if (clip->pinned) {
         const int pinSide = scaled(pinWidth);

@@ -2,7 +2,9 @@
 
 #include "Norvane/ClipListModel.h"
 
+#include <QCache>
 #include <QListView>
+#include <QStaticText>
 #include <QStyledItemDelegate>
 #include <functional>
 
@@ -23,8 +25,11 @@ public:
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
 private:
+    void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font) const;
+
     ClipIcons &icons;
     const ClipListModel &model;
+    mutable QCache<QString, QStaticText> lines{400}; // by text, width and size of the font
 };
 
 // The list of clips. Rows of two heights are found by sums made once a result, so that 100,000 rows cost no

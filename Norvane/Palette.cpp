@@ -14,6 +14,19 @@ QColor blended(const QColor &over, const QColor &under, qreal share)
                   mix(over.blue(), under.blue()));
 }
 
+// The desktop font's size as a share of the reference. Kept: asking the font costs more than painting a row.
+qreal desktopRatio()
+{
+    static QFont known;
+    static qreal ratio = 0;
+    const QFont now = QGuiApplication::font();
+    if (ratio == 0 || now != known) {
+        known = now;
+        ratio = QFontInfo(now).pixelSize() / referenceFontSize;
+    }
+    return ratio;
+}
+
 } // namespace
 
 namespace Palette {
@@ -66,7 +79,7 @@ namespace Metrics {
 
 int scaled(qreal points)
 {
-    return qRound(points * QFontInfo(QGuiApplication::font()).pixelSize() / referenceFontSize);
+    return qRound(points * desktopRatio());
 }
 
 QFont font(qreal points)

@@ -2,8 +2,10 @@
 
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
+#include "Norvane/Palette.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PopupPanel.h"
+#include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
@@ -13,12 +15,16 @@
 #include "Platform/Workspace.h"
 #include "Vesmo/Localisation.h"
 
+#include <QItemSelectionModel>
 #include <QLabel>
+#include <QToolButton>
 
 namespace {
 
 const QString panelWidthKey = QStringLiteral("panelWidth");
 const QString panelHeightKey = QStringLiteral("panelHeight");
+
+constexpr int preparationDelay = 150; // milliseconds after the last change: a paste comes first
 
 bool needsText(PasteMode mode)
 {
@@ -29,7 +35,7 @@ bool needsText(PasteMode mode)
 
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
-      panel(std::make_unique<PopupPanel>(given.pasteboard, model, icons))
+      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons))
 {
     const UserDefaults &defaults = services.prefs.defaults();
     panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
@@ -45,14 +51,27 @@ PopupController::PopupController(const Services &given)
         if (const ClipPointer clip = model.clipAt(row))
             pick(clip, PasteMode::paste);
     };
+    connect(panel->menuButton, &QToolButton::clicked, this, [this] {
+        const QPoint corner(panel->menuButton->width(), -Metrics::scaled(4));
+        if (onShowMenu)
+            onShowMenu(panel->menuButton->mapToGlobal(corner));
+    });
     connect(panel->searchField, &QLineEdit::textChanged, this, [this] { reload(false); });
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
+    preparing.setSingleShot(true);
+    preparing.setInterval(preparationDelay);
+    connect(&preparing, &QTimer::timeout, this, &PopupController::prepare);
     connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
         if (isVisible())
             reload(true);
+        else
+            prepareLater();
     });
+    connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PopupController::showPreview);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
+    prepareLater();
 }
 
 PopupController::~PopupController()
@@ -67,13 +86,29 @@ bool PopupController::isVisible() const
 
 void PopupController::show(const std::optional<QRectF> &caret)
 {
+    if (!prepared || isVisible())
+        prepare();
+    panel->searchField->setFocus();
+    place(caret);
+}
+
+// Lists everything for the next opening, so that the opening itself has only to paint.
+void PopupController::prepare()
+{
+    preparing.stop();
     {
         const QSignalBlocker blocker(panel->searchField);
         panel->searchField->clear();
     }
+    panel->setPreviewShown(services.prefs.showPreview());
     reload(false);
-    panel->searchField->setFocus();
-    place(caret);
+    prepared = true;
+}
+
+void PopupController::prepareLater()
+{
+    prepared = false;
+    preparing.start();
 }
 
 void PopupController::place(const std::optional<QRectF> &caret)
@@ -104,10 +139,17 @@ void PopupController::hide()
     if (defaults.real(panelHeightKey).value_or(0) != panel->height())
         defaults.setReal(panelHeightKey, panel->height());
     services.surface.dismiss();
+    prepareLater();
+}
+
+void PopupController::setMenuButtonVisible(bool visible)
+{
+    panel->menuButton->setVisible(visible);
 }
 
 void PopupController::reload(bool keepSelection)
 {
+    prepared = false;
     const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
     const int rememberedRow = panel->tableView->selectedRow();
 
@@ -123,7 +165,14 @@ void PopupController::reload(bool keepSelection)
             row = std::min(rememberedRow, static_cast<int>(listed.size()) - 1);
         select(row);
     }
+    showPreview();
     updateCount();
+}
+
+void PopupController::showPreview()
+{
+    if (services.prefs.showPreview())
+        panel->previewPane->show(selectedClip(), services.store);
 }
 
 void PopupController::updateCount()

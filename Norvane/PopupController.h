@@ -7,6 +7,7 @@
 
 #include <QObject>
 #include <QRectF>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -43,6 +44,7 @@ public:
     std::function<void(const ClipPointer &)> onOpenInEditor;
     std::function<void(const ClipPointer &)> onEdit; // null: a new clip
     std::function<void()> onShowSettings;
+    std::function<void(const QPoint &)> onShowMenu; // above this point of the screen, ending at its left
 
     [[nodiscard]] bool isVisible() const;
 
@@ -50,6 +52,9 @@ public:
     // that is the text caret, the pointer when absent. Brought forward when open already.
     void show(const std::optional<QRectF> &caret = {});
     void hide();
+
+    // A small button in the panel that calls onShowMenu: where no tray has the menu.
+    void setMenuButtonVisible(bool visible);
 
     // keepSelection: the selected clip stays selected, or what took its row.
     void reload(bool keepSelection);
@@ -61,10 +66,13 @@ public:
 
 private:
     void place(const std::optional<QRectF> &caret);
+    void prepare();
+    void prepareLater();
     void pick(const ClipPointer &clip, PasteMode mode);
     void beep();
     void setFilter(int segment);
     void stepFilter(int step);
+    void showPreview();
     void updateCount();
     void leaveFor(const std::function<void()> &action);
 
@@ -84,4 +92,6 @@ private:
     ClipIcons icons;
     std::unique_ptr<PopupPanel> panel;
     ClipFilter filter_ = ClipFilter::all;
+    QTimer preparing;
+    bool prepared = false; // the list is as the next opening wants it
 };

@@ -1,9 +1,11 @@
 #include "Norvane/PopupPanel.h"
 
+#include "Norvane/ClipIcons.h"
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
 #include "Norvane/Palette.h"
 #include "Norvane/PanelPlacement.h"
+#include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/store/ClipSearch.h"
 #include "Vesmo/Localisation.h"
@@ -11,6 +13,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QSplitter>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using Metrics::scaled;
@@ -18,6 +22,9 @@ using Metrics::scaled;
 namespace {
 
 constexpr qreal panelRadius = 12;
+constexpr int listWidth = 280, previewWidth = 180; // at least
+constexpr int narrowPreview = 60;
+constexpr double listShare = 0.55;
 
 QStringList filterLabels()
 {
@@ -41,7 +48,8 @@ protected:
 
 } // namespace
 
-PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &icons)
+PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipListModel &model, ClipIcons &givenIcons)
+    : icons(givenIcons)
 {
     setObjectName(QStringLiteral("history"));
     setWindowTitle(QStringLiteral("Norvane"));
@@ -53,8 +61,19 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &
     filterControl = new FilterControl(filterLabels(), this);
     tableView = new ClipTableView(model, icons, this);
     tableView->setAccessibleName(QStringLiteral("Norvane"));
+    previewPane = new PreviewPane(pasteboard, prefs, this);
     hintLabel = new QLabel(this);
     countLabel = new QLabel(this);
+
+    tableView->setMinimumWidth(listWidth);
+    previewPane->setMinimumWidth(previewWidth);
+    split = new QSplitter(Qt::Horizontal, this);
+    split->setHandleWidth(1);
+    split->setChildrenCollapsible(false);
+    split->addWidget(tableView);
+    split->addWidget(previewPane);
+    split->setStretchFactor(0, 0); // resizing changes the preview's width first
+    split->setStretchFactor(1, 1);
 
     auto *top = new QHBoxLayout;
     top->setContentsMargins(scaled(12), scaled(12), scaled(12), 0);
@@ -68,11 +87,19 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &
     countLabel->setFont(Metrics::font(11));
     countLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     countLabel->setTextFormat(Qt::PlainText);
+    menuButton = new QToolButton(this);
+    menuButton->setAutoRaise(true);
+    menuButton->setFocusPolicy(Qt::NoFocus);
+    menuButton->setFixedSize(scaled(20), scaled(16));
+    menuButton->setIconSize(QSize(scaled(12), scaled(12)));
+    menuButton->setAccessibleName(L("Menu"));
+    menuButton->hide();
     auto *bottom = new QHBoxLayout;
     bottom->setContentsMargins(scaled(14), scaled(6), scaled(14), scaled(8));
     bottom->setSpacing(scaled(10));
     bottom->addWidget(hintLabel, 1);
     bottom->addWidget(countLabel);
+    bottom->addWidget(menuButton);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -80,11 +107,12 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &
     layout->addLayout(top);
     layout->addSpacing(scaled(10));
     layout->addWidget(new Separator(this));
-    layout->addWidget(tableView, 1);
+    layout->addWidget(split, 1);
     layout->addWidget(new Separator(this));
     layout->addLayout(bottom);
 
-    for (QObject *view : {static_cast<QObject *>(searchField), static_cast<QObject *>(tableView)})
+    for (QObject *view : {static_cast<QObject *>(searchField), static_cast<QObject *>(tableView),
+                          static_cast<QObject *>(&previewPane->text())})
         view->installEventFilter(this);
     applyColours();
 }
@@ -94,6 +122,16 @@ void PopupPanel::setHint(const QString &text)
     hint = text;
     hintLabel->setAccessibleName(text);
     elideHint();
+}
+
+void PopupPanel::setPreviewShown(bool shown)
+{
+    previewPane->setVisible(shown);
+    layout()->activate();
+    if (shown && split->sizes().value(1) < std::max(narrowPreview, previewWidth)) {
+        const int listPart = static_cast<int>(listShare * split->width());
+        split->setSizes({listPart, split->width() - listPart});
+    }
 }
 
 bool PopupPanel::offerKey(QObject *watched, QKeyEvent *event)
@@ -155,6 +193,8 @@ void PopupPanel::applyColours()
         colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
         label->setPalette(colours);
     }
+    menuButton->setIcon(
+        icons.symbol(QStringLiteral("menu"), scaled(12), Palette::secondary(palette()), devicePixelRatioF()));
 }
 
 void PopupPanel::elideHint()

@@ -8,8 +8,12 @@ class ClipListModel;
 class ClipTableView;
 class FilterControl;
 class Pasteboard;
+class Preferences;
+class PreviewPane;
+class QSplitter;
 class SearchField;
 class QLabel;
+class QToolButton;
 
 // The panel's window and its views: layout only. Main thread.
 //
@@ -19,7 +23,7 @@ class PopupPanel : public QWidget {
     Q_OBJECT
 
 public:
-    PopupPanel(Pasteboard &pasteboard, ClipListModel &model, ClipIcons &icons);
+    PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipListModel &model, ClipIcons &icons);
 
     std::function<bool(QKeyEvent *)> keyHandler;
     std::function<bool(QKeyEvent *)> fieldHandler; // keys of the search field
@@ -28,10 +32,15 @@ public:
     SearchField *searchField;
     FilterControl *filterControl;
     ClipTableView *tableView;
+    PreviewPane *previewPane;
     QLabel *hintLabel;
     QLabel *countLabel;
+    QToolButton *menuButton; // opens the status menu; hidden where the tray has it
 
     void setHint(const QString &hint);
+
+    // Shows or hides the preview; one too narrow to be of use gets its share of the width.
+    void setPreviewShown(bool shown);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -45,5 +54,7 @@ private:
     void applyColours();
     void elideHint();
 
+    ClipIcons &icons;
+    QSplitter *split;
     QString hint;
 };

@@ -1,4 +1,5 @@
 #include "Norvane/AppDelegate.h"
+#include "Norvane/CommandLine.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
 #include "Platform/Log.h"
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr int failure = 1;
+constexpr int wrongUsage = 2;
 
 // Desktops without an icon theme of their own still get icons.
 void chooseIconTheme()
@@ -23,29 +25,54 @@ void chooseIconTheme()
     }
 }
 
-// True when a running instance took the request over.
-bool handOver(int argc, char **argv)
+// The exit code of a command line that needs no instance.
+std::optional<int> answerAtOnce(const CommandLine &commandLine)
 {
-    const QCoreApplication application(argc, argv);
-    return makeApplicationInstance()->ask(QStringLiteral("show"));
+    switch (commandLine.kind) {
+    case CommandLine::Kind::help:
+        QTextStream(stdout) << commandLineHelp();
+        return 0;
+    case CommandLine::Kind::version:
+        QTextStream(stdout) << "norvane " << NORVANE_VERSION << '\n';
+        return 0;
+    case CommandLine::Kind::unknown:
+        QTextStream(stderr) << "norvane: there is no option " << commandLine.action << "\n\n"
+                            << commandLineHelp();
+        return wrongUsage;
+    case CommandLine::Kind::run:
+    case CommandLine::Kind::ask:
+        break;
+    }
+    return std::nullopt;
 }
 
-int runApplication()
+// True when a running instance took the request over.
+bool handOver(int argc, char **argv, const QString &action)
+{
+    const QCoreApplication application(argc, argv);
+    return makeApplicationInstance()->ask(action);
+}
+
+int runApplication(const CommandLine &commandLine)
 {
     const auto instance = makeApplicationInstance();
     if (!instance->claim()) {
-        if (instance->ask(QStringLiteral("show")))
+        if (instance->ask(commandLine.action))
             return 0;
         logLine(QStringLiteral("Norvane: another instance is running and does not answer"));
         return failure;
     }
     chooseIconTheme();
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.norvane.app"),
+                                                    QIcon(QStringLiteral(":/icons/com.norvane.app.svg"))));
     const auto platform = makeLinuxPlatform();
     Preferences::setSharedDefaults(*platform->defaults);
     AppDelegate delegate(*platform, Preferences::shared(), ClipStore::defaultFolder());
     delegate.finishLaunching();
     instance->onAction = [&delegate](const QString &action) { delegate.perform(action); };
     quitOnTerminationSignals();
+    if (commandLine.actsAtStart)
+        QTimer::singleShot(0, &delegate, [&] { delegate.perform(commandLine.action); });
     return QApplication::exec();
 }
 
@@ -57,15 +84,16 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("norvane"));
     QCoreApplication::setApplicationVersion(QStringLiteral(NORVANE_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.norvane.app"));
-    for (int i = 1; i < argc; ++i) {
-        if (qstrcmp(argv[i], "--version") == 0) {
-            QTextStream(stdout) << "norvane " << NORVANE_VERSION << '\n';
-            return 0;
-        }
-    }
-    if (handOver(argc, argv))
+    const CommandLine commandLine = parseCommandLine(QStringList(argv + 1, argv + argc));
+    if (const auto code = answerAtOnce(commandLine))
+        return *code;
+    if (handOver(argc, argv, commandLine.action))
         return 0;
-    QApplication application(argc, argv);
+    if (commandLine.kind == CommandLine::Kind::ask) {
+        QTextStream(stdout) << "No running Norvane answered.\n";
+        return 0;
+    }
+    const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    return runApplication();
+    return runApplication(commandLine);
 }

@@ -11,7 +11,7 @@ public:
     // Becomes the running instance. False when another one is it already (it may still be asked).
     [[nodiscard]] virtual bool claim() = 0;
 
-    // Asks the running instance to do `action` ("show", "toggle", "hide"). False when none runs or it did not
+    // Asks the running instance to do `action` ("show", "toggle", "hide", "pause", "quit"). False when none runs or it did not
     // answer within 1 s.
     [[nodiscard]] virtual bool ask(const QString &action) = 0;
 

@@ -9,6 +9,7 @@
 #include "Platform/PanelSurface.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/Screens.h"
+#include "Platform/StatusItem.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
 
@@ -27,4 +28,5 @@ struct Platform {
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Screens> screens;
     std::unique_ptr<Accessibility> accessibility;
+    std::unique_ptr<StatusItem> statusItem;
 };

@@ -6,6 +6,7 @@
 #include <exception>
 #include <sys/eventfd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 

@@ -5,6 +5,9 @@
 
 #include <QPointer>
 #include <QSocketNotifier>
+#include <QTimer>
+#include <deque>
+#include <utility>
 
 struct ClipboardMonitor::Private {
     // Due when `captures` captures have been delivered.

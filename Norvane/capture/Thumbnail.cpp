@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QImageReader>
 #include <algorithm>
+#include <iterator>
 
 namespace {
 

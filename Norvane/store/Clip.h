@@ -26,7 +26,8 @@ enum class ClipKind : int { text = 0, richText = 1, image = 2, files = 3 };
 // The kind's name for the user.
 [[nodiscard]] QString title(ClipKind kind);
 
-// One kept representation of one pasteboard item: index of the item from 0, type, bytes as the pasteboard gave them.
+// One kept representation of one pasteboard item: index of the item from 0, type, bytes as the pasteboard
+// gave them.
 struct ClipFormat {
     qint64 item = 0;
     QString type;
@@ -65,7 +66,8 @@ struct CapturedClip {
     bool operator==(const CapturedClip &) const = default;
 };
 
-// One entry of the history. Identity matters: store and views share the object and compare pointers. Main thread.
+// One entry of the history. Identity matters: store and views share the object and compare pointers. Main
+// thread.
 class Clip {
 public:
     qint64 id = 0;
@@ -82,7 +84,8 @@ public:
     std::optional<QString> recognizedText; // of an image: absent until read, empty when nothing was found
     qint64 revision = 0;                   // grows when content or recognised text is replaced; not stored
 
-    // The whole text, read from the stored formats where `text` was shortened; of an image its recognised text.
+    // The whole text, read from the stored formats where `text` was shortened; of an image its recognised
+    // text.
     [[nodiscard]] std::optional<QString> fullText(const ClipStore &store) const;
 
     // The image representation to show, paste and recognise.

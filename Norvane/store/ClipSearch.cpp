@@ -252,19 +252,26 @@ void ClipSearch::Private::takeKeys()
         arena.add(std::move(block), [this](const FoldedKeys::Key &key) { return isAwaited(key); });
 }
 
+// The worker makes keys from the front of the list meanwhile, this from its end: each spares the other half.
 void ClipSearch::Private::foldMissing(const std::vector<quint32> &positions)
 {
     constexpr qsizetype blockLength = 1 << 20;
-    const auto all = [](const FoldedKeys::Key &) { return true; };
+    const auto isWanted = [this](const FoldedKeys::Key &key) { return isAwaited(key); };
     FoldedKeys block;
-    for (const quint32 position : positions) {
-        if (records[order[position]].place)
+    bool folded = false;
+    for (auto position = positions.rbegin(); position != positions.rend(); ++position) {
+        if (records[order[*position]].place)
             continue;
-        appendKey(block, job(order[position]));
-        if (block.bytes.size() >= blockLength)
-            arena.add(std::exchange(block, {}), all);
+        folded = true;
+        appendKey(block, job(order[*position]));
+        if (block.bytes.size() < blockLength)
+            continue;
+        arena.add(std::exchange(block, {}), isWanted);
+        takeKeys();
     }
-    arena.add(std::move(block), all);
+    arena.add(std::move(block), isWanted);
+    if (folded)
+        prepareKeys(); // takes back from the worker what is done now
 }
 
 std::vector<quint32> ClipSearch::Private::matchingPositions(ClipFilter filter, const std::vector<Term> &terms)

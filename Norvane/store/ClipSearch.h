@@ -14,12 +14,13 @@ inline constexpr int clipFilterCount = 5;
 // The query cut at white space, empty pieces dropped.
 [[nodiscard]] QStringList queryWords(const QString &query);
 
-// Every word is in the clip's text or application name, case and diacritics aside; a word that begins "immagine"
-// finds every image. True for no words.
+// Every word is in the clip's text or application name, case and diacritics aside; a word that begins
+// "immagine" finds every image. True for no words.
 [[nodiscard]] bool matches(const Clip &clip, const QStringList &words);
 
-// Searches a store's clips fast: the answers of passes() and matches(), from keys made ahead of the query on a
-// worker. Main thread. A clip whose key is not ready is folded on the spot, so a result is never incomplete.
+// Searches a store's clips fast: the answers of passes() and matches(), from keys made ahead of the query on
+// a worker. Main thread. A clip whose key is not ready is folded on the spot, so a result is never
+// incomplete.
 class ClipSearch : public QObject {
     Q_OBJECT
 

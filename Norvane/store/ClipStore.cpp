@@ -156,15 +156,15 @@ void ClipStore::deleteAll(const ClipList &doomed)
 
 void ClipStore::trim(qint64 maxItems, qint64 retentionDays)
 {
-    const auto cutoff = retentionDays >= 1
-                            ? std::optional(now() - static_cast<double>(retentionDays) * secondsPerDay)
-                            : std::nullopt;
+    constexpr double noLimit = -std::numeric_limits<double>::infinity();
+    const double cutoff =
+        retentionDays >= 1 ? now() - static_cast<double>(retentionDays) * secondsPerDay : noLimit;
     ClipList expired;
     qint64 kept = 0;
     for (const auto &clip : clips_) {
         if (clip->pinned)
             continue;
-        const bool tooOld = cutoff && clip->created < *cutoff;
+        const bool tooOld = clip->created < cutoff;
         if (tooOld || kept >= maxItems)
             expired.push_back(clip);
         else

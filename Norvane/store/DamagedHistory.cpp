@@ -82,11 +82,21 @@ void writeClips(Database &db, const ClipList &clips)
         db.rollBack();
 }
 
+// A text whose formats are lost can still be pasted as it stands in the list.
+void writePlainText(Database &db, const Clip &clip)
+{
+    const bool isText = clip.kind == ClipKind::text || clip.kind == ClipKind::richText;
+    if (isText && !clip.text.isEmpty())
+        db.run(HistorySQL::insertFormat,
+               {clip.id, qint64{0}, QStringLiteral("public.utf8-plain-text"), clip.text.toUtf8()});
+}
+
 void copyFormats(Database &from, Database &to, const ClipList &clips)
 {
     std::unordered_set<qint64> ids;
     for (const auto &clip : clips)
         ids.insert(clip->id);
+    std::unordered_set<qint64> copied;
     bool hasRoom = true;
     to.exec("BEGIN");
     readRows(from, "formats", readFormats, [&](const SQLRow &row) {
@@ -95,7 +105,12 @@ void copyFormats(Database &from, Database &to, const ClipList &clips)
         if (!hasRoom || !type || !data || !ids.contains(row.integer(1)))
             return;
         hasRoom = to.run(HistorySQL::insertFormat, {row.integer(1), row.integer(2), *type, *data});
+        copied.insert(row.integer(1));
     });
+    for (const auto &clip : clips) {
+        if (hasRoom && !copied.contains(clip->id))
+            writePlainText(to, *clip);
+    }
     if (!to.exec("COMMIT"))
         to.rollBack();
 }

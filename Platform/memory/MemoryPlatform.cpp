@@ -174,6 +174,29 @@ void MemoryAccessibility::answer()
         callback(caret);
 }
 
+void MemoryStatusItem::setTray(bool present)
+{
+    const bool before = isAvailable();
+    hasTray = present;
+    if (isAvailable() != before && onAvailabilityChange)
+        onAvailabilityChange();
+}
+
+std::vector<ClosureMenuItem> MemoryStatusItem::menu() const
+{
+    return menuContents ? menuContents() : std::vector<ClosureMenuItem>();
+}
+
+void MemoryStatusItem::choose(const QString &title) const
+{
+    for (const auto &item : menu()) {
+        if (item.title == title && item.enabled) {
+            item.run();
+            return;
+        }
+    }
+}
+
 MemoryInstance::~MemoryInstance()
 {
     if (room.running == this)
@@ -209,5 +232,6 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->keyEvents = std::make_unique<MemoryKeyEvents>();
     platform->screens = std::make_unique<MemoryScreens>();
     platform->accessibility = std::make_unique<MemoryAccessibility>();
+    platform->statusItem = std::make_unique<MemoryStatusItem>();
     return platform;
 }

@@ -149,6 +149,28 @@ private:
     QObject context; // drops what is queued when this dies
 };
 
+class MemoryStatusItem : public StatusItem {
+public:
+    void show() override { shown = true; }
+    void menuChanged() override { ++menuChanges; }
+    void setPaused(bool value) override { paused = value; }
+    [[nodiscard]] bool isAvailable() const override { return shown && hasTray; }
+    void popUpMenu(const QPoint &lowerRight) override { lastPopUp = lowerRight; }
+
+    // A tray comes or goes.
+    void setTray(bool present);
+
+    // The rows as the menu would show them now; the user chooses the one of this title.
+    [[nodiscard]] std::vector<ClosureMenuItem> menu() const;
+    void choose(const QString &title) const;
+
+    bool shown = false;
+    bool hasTray = true;
+    bool paused = false;
+    int menuChanges = 0;
+    std::optional<QPoint> lastPopUp;
+};
+
 // The instances that share a room see each other, as two starts on one desktop do.
 class MemoryInstance : public ApplicationInstance {
 public:

@@ -275,5 +275,41 @@
         <source>%@ byte</source>
         <translation>%@ bytes</translation>
     </message>
+    <message>
+        <source>Mostra la cronologia   %@</source>
+        <translation>Show History   %@</translation>
+    </message>
+    <message>
+        <source>Ancora niente: copia qualcosa</source>
+        <translation>Nothing yet: copy something</translation>
+    </message>
+    <message>
+        <source>Metti in pausa la registrazione</source>
+        <translation>Pause Recording</translation>
+    </message>
+    <message>
+        <source>Riprendi la registrazione</source>
+        <translation>Resume Recording</translation>
+    </message>
+    <message>
+        <source>Svuota la cronologia…</source>
+        <translation>Clear History…</translation>
+    </message>
+    <message>
+        <source>Esci da Norvane</source>
+        <translation>Quit Norvane</translation>
+    </message>
+    <message>
+        <source>Svuotare la cronologia?</source>
+        <translation>Clear the history?</translation>
+    </message>
+    <message>
+        <source>Gli elementi fissati restano. Non si può annullare.</source>
+        <translation>Pinned items stay. This cannot be undone.</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menu</translation>
+    </message>
 </context>
 </TS>

@@ -275,5 +275,41 @@
         <source>%@ byte</source>
         <translation>%@ byte</translation>
     </message>
+    <message>
+        <source>Mostra la cronologia   %@</source>
+        <translation>Mostra la cronologia   %@</translation>
+    </message>
+    <message>
+        <source>Ancora niente: copia qualcosa</source>
+        <translation>Ancora niente: copia qualcosa</translation>
+    </message>
+    <message>
+        <source>Metti in pausa la registrazione</source>
+        <translation>Metti in pausa la registrazione</translation>
+    </message>
+    <message>
+        <source>Riprendi la registrazione</source>
+        <translation>Riprendi la registrazione</translation>
+    </message>
+    <message>
+        <source>Svuota la cronologia…</source>
+        <translation>Svuota la cronologia…</translation>
+    </message>
+    <message>
+        <source>Esci da Norvane</source>
+        <translation>Esci da Norvane</translation>
+    </message>
+    <message>
+        <source>Svuotare la cronologia?</source>
+        <translation>Svuotare la cronologia?</translation>
+    </message>
+    <message>
+        <source>Gli elementi fissati restano. Non si può annullare.</source>
+        <translation>Gli elementi fissati restano. Non si può annullare.</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menu</translation>
+    </message>
 </context>
 </TS>

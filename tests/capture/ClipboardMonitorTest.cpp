@@ -201,17 +201,4 @@ TEST_F(ClipboardMonitorTest, AReceiverMayEndTheMonitor)
     EXPECT_TRUE(QTest::qWaitFor([this] { return !monitor; }));
 }
 
-TEST_F(ClipboardMonitorTest, ACopyWithoutAReceiverIsHarmless)
-{
-    monitor->onCapture = nullptr;
-    pasteboard.copyText(u"a"_qs);
-    EXPECT_EQ(recorded(), QStringList());
-}
-
-TEST_F(ClipboardMonitorTest, ConcealedCopiesOfAnyApplicationStayOut)
-{
-    pasteboard.copy({{{form(plainText, "secret"), form(u"org.nspasteboard.ConcealedType"_qs, "secret")}}});
-    EXPECT_EQ(recorded(), QStringList());
-}
-
 } // namespace

@@ -8,6 +8,7 @@
 #include "tests/desktop/Stage.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <cstdio>
 
@@ -61,6 +62,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Cannot make %s\n", qPrintable(output.path()));
         return 2;
     }
+    for (const auto &old : output.entryList({QStringLiteral("*.png"), QStringLiteral("*.log")}, QDir::Files))
+        QFile::remove(output.filePath(old));
     Stage stage(QFileInfo(arguments[1]).absoluteFilePath(), QDir(output.absolutePath()));
     size_t number = 0;
     int passed = 0;

@@ -1,26 +1,10 @@
+#include "tests/desktop/SamplePicture.h"
 #include "tests/desktop/Stage.h"
 
-#include <QBuffer>
 #include <QFile>
-#include <QImage>
 #include <QUrl>
 
 namespace {
-
-// A picture no encoder would make twice the same way: its bytes tell a copy from a new encoding.
-QByteArray picture()
-{
-    QImage image(560, 200, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 255 / 560, y * 255 / 200, (x * 7 + y * 13) % 256));
-    image.setText(QStringLiteral("Comment"), QStringLiteral("kept only when nothing is encoded again"));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG", 30);
-    return bytes;
-}
 
 // Waits until Norvane has taken the selection from the program that copied.
 template <typename Choose>
@@ -37,7 +21,7 @@ void awaitNewOwner(Stage &stage, const Choose &choose)
 
 void pictureRoundTrip(Stage &stage)
 {
-    const auto bytes = picture();
+    const auto bytes = samplePicture();
     stage.copy(bytes, "image/png");
     const auto row = stage.rows().front();
     require(row.kind == 2, QStringLiteral("recorded as kind %1, not as an image").arg(row.kind));

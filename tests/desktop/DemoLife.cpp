@@ -33,16 +33,6 @@ void killedAndRestarted(Stage &stage)
     stage.awaitContent(entry, "survives a kill");
 }
 
-void contentOutlivesItsProgram(Stage &stage)
-{
-    stage.copy("outlives its program");
-    stage.clipboard.owner()->signal(SIGKILL);
-    require(stage.clipboard.owner()->awaitEnd(), QStringLiteral("xclip survived SIGKILL"));
-    require(
-        stage.desktop.waitFor([&] { return stage.clipboard.read() == QByteArray("outlives its program"); }),
-        QStringLiteral("the clipboard is empty"));
-}
-
 void quits(Stage &stage)
 {
     stage.openPanel(); // with the panel open, which is the harder case
@@ -56,7 +46,6 @@ Steps lifeSteps()
 {
     return {
         {"a second start shows the panel and exits with status 0", secondStart},
-        {"what was copied outlives the program that copied it", contentOutlivesItsProgram},
         {"kill -9 and a restart keep the history", killedAndRestarted},
         {"SIGTERM quits with status 0", quits},
     };

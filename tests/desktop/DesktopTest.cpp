@@ -68,13 +68,15 @@ protected:
         });
     }
 
-    [[nodiscard]] bool isNewest(const QString &text) const
+    [[nodiscard]] bool isNewest(const QString &text, Milliseconds bound = Desktop::patience) const
     {
         const HistoryFile history(scratch.filePath(QStringLiteral("data/Norvane/clips.sqlite")));
-        return desktop.waitFor([&] {
-            const auto rows = history.rows();
-            return rows && !rows->empty() && rows->front().text == text;
-        });
+        return desktop.waitFor(
+            [&] {
+                const auto rows = history.rows();
+                return rows && !rows->empty() && rows->front().text == text;
+            },
+            bound);
     }
 
     struct Entry {
@@ -160,7 +162,7 @@ TEST_F(BareDesktop, OutlivesTheProgramInFrontThatDiesUnderThePanel)
     EXPECT_TRUE(panelOpens()) << log();
 }
 
-TEST_F(BareDesktop, EndsByItselfWhenTheServerGoes)
+TEST_F(BareDesktop, EndsByItselfWhenTheServerGoesAndLosesNothing)
 {
     const auto number = scratch.filePath(QStringLiteral("display"));
     Child server(
@@ -175,12 +177,22 @@ TEST_F(BareDesktop, EndsByItselfWhenTheServerGoes)
         return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : QString();
     };
     ASSERT_TRUE(desktop.waitFor([&] { return display().endsWith(QLatin1Char('\n')); }));
-    start({QStringLiteral("DISPLAY=:") + display().trimmed()});
-    const auto history = scratch.filePath(QStringLiteral("data/Norvane/clips.sqlite"));
-    ASSERT_TRUE(desktop.waitFor([&] { return QFile::exists(history); })) << log();
+    const QString variable = QStringLiteral("DISPLAY=:") + display().trimmed();
+    start({variable});
+    std::unique_ptr<Child> xclip;
+    const auto recorded = [&] { // copied again while nobody listens yet
+        xclip = std::make_unique<Child>(Child::Setting{
+            QStringLiteral("sh"),
+            {QStringLiteral("-c"), QStringLiteral("printf kept | exec xclip -quiet -sel clip -i")},
+            {},
+            {variable}});
+        return isNewest(QStringLiteral("kept"), Milliseconds(1000));
+    };
+    ASSERT_TRUE(desktop.waitFor(recorded)) << log();
     server.signal(SIGKILL);
     EXPECT_TRUE(norvane->awaitExit().has_value()) << "it hangs or was ended by a signal\n" << log();
     norvane.reset();
+    EXPECT_TRUE(isNewest(QStringLiteral("kept")));
 }
 
 } // namespace

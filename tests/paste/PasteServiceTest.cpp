@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace {
@@ -24,7 +25,10 @@ class PasteServiceTest : public ::testing::Test {
 protected:
     PasteServiceTest()
     {
-        monitor.onCapture = [this](const CapturedClip &capture) { store.add(capture); };
+        monitor.onCapture = [this](const CapturedClip &capture) {
+            ++captureCount;
+            store.add(capture);
+        };
         monitor.start();
         workspace.activate(editor);
         service.onAskAccessibility = [this] {
@@ -67,6 +71,7 @@ protected:
     ClipStore store{folder.path()};
     ClipboardMonitor monitor{pasteboard, prefs};
     PasteService service{{store, pasteboard, monitor, prefs, workspace, keyEvents}};
+    int captureCount = 0;
     int askCount = 0;
     bool askedBefore = false;
 };
@@ -83,7 +88,7 @@ TEST_F(PasteServiceTest, PasteGivesBackEveryItemAsItWasCopied)
     EXPECT_EQ(contents(), items);
     EXPECT_EQ(store.clips().front(), clip);
     catchUp();
-    EXPECT_EQ(store.clips().size(), 2u);
+    EXPECT_EQ(captureCount, 2); // the write itself is no copy
     EXPECT_TRUE(QTest::qWaitFor([this] { return keyEvents.pasteCount == 1; }));
 }
 
@@ -196,15 +201,6 @@ TEST_F(PasteServiceTest, TheChosenClipMayBeTheListsOwn)
     service.paste(store.clips().back(), PasteMode::copy);
     EXPECT_EQ(store.clips().front()->text, u"uno");
     EXPECT_EQ(store.clips().back()->text, u"due");
-}
-
-TEST_F(PasteServiceTest, AScheduledPasteEndsWithTheService)
-{
-    std::make_unique<PasteService>(
-        PasteService::Services{store, pasteboard, monitor, prefs, workspace, keyEvents})
-        ->autoPaste();
-    letPasteHappen();
-    EXPECT_EQ(keyEvents.pasteCount, 0);
 }
 
 TEST(WriteFormats, ItemsComeInTheOrderOfTheirNumbersAndFormatsInTheirOwn)

@@ -1,6 +1,6 @@
 #include "Norvane/store/ClipSearch.h"
 
-#include "ScratchHistory.h"
+#include "tests/store/ScratchHistory.h"
 #include "Vesmo/Localisation.h"
 
 #include <QCoreApplication>

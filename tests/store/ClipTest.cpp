@@ -1,4 +1,4 @@
-#include "ScratchHistory.h"
+#include "tests/store/ScratchHistory.h"
 
 #include <QBuffer>
 #include <gtest/gtest.h>

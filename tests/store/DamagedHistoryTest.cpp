@@ -1,4 +1,4 @@
-#include "ScratchHistory.h"
+#include "tests/store/ScratchHistory.h"
 
 #include <QDir>
 #include <QTest>
@@ -133,11 +133,9 @@ TEST_F(DamagedHistory, DamageThatShowsWhileRunningIsRepairedAtOnce)
         (void)history.store->formats(*clip);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !setAside().isEmpty(); }));
     EXPECT_EQ(history.store->clips(), clips); // the same objects
-    const auto whole = std::count_if(clips.begin(), clips.end(), [&](const ClipPointer &clip) {
-        return dataOfType(history.store->formats(*clip), u"public.utf8-plain-text") == clip->text.toUtf8();
-    });
-    EXPECT_GT(whole, 580);
-    EXPECT_LT(whole, 600);
+    // What the page held is lost; such texts are pasted as they stand in the list.
+    for (const auto &clip : clips)
+        EXPECT_EQ(dataOfType(history.store->formats(*clip), u"public.utf8-plain-text"), clip->text.toUtf8());
     expectWorking(600);
 }
 

@@ -1,6 +1,6 @@
 #include "Norvane/store/Database.h"
 
-#include "ScratchHistory.h"
+#include "tests/store/ScratchHistory.h"
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>

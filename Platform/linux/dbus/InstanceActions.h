@@ -7,7 +7,7 @@
 // What an instance can be asked to do.
 [[nodiscard]] inline bool isInstanceAction(const QString &action)
 {
-    constexpr std::array<QStringView, 3> actions{u"show", u"toggle", u"hide"};
+    constexpr std::array<QStringView, 5> actions{u"show", u"toggle", u"hide", u"pause", u"quit"};
     return std::ranges::find(actions, QStringView(action)) != actions.end();
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace {
 
@@ -17,11 +18,10 @@ bool isKnownPicture(const QString &type)
                        [&](const char16_t *each) { return type == each; });
 }
 
-// One form of the first item; the place in the owner's list orders them.
-struct Placed {
-    size_t position;
-    PasteboardRepresentation representation;
-};
+QString fileURLType()
+{
+    return QStringView(PasteboardType::fileURL).toString();
+}
 
 PasteboardRepresentation representationOf(const ReadRequest &request, const ReadOutcome &outcome)
 {
@@ -44,7 +44,7 @@ std::optional<QByteArray> storedBytes(const ReadRequest &request, const ReadCand
 
 std::vector<PasteboardItem> itemsFrom(const ReadPlan &plan, const std::vector<ReadOutcome> &outcomes)
 {
-    std::vector<Placed> first;
+    std::multimap<size_t, PasteboardRepresentation> first; // by their places in the owner's list
     std::vector<QByteArray> files;
     for (size_t i = 0; i < plan.requests.size(); ++i) {
         const ReadRequest &request = plan.requests[i];
@@ -52,27 +52,24 @@ std::vector<PasteboardItem> itemsFrom(const ReadPlan &plan, const std::vector<Re
         if (outcome.status == ReadOutcome::Status::refused)
             continue;
         if (request.kind != ReadRequest::Kind::files || outcome.status != ReadOutcome::Status::fetched) {
-            first.push_back({request.position, representationOf(request, outcome)});
+            first.emplace(request.position, representationOf(request, outcome));
             continue;
         }
         const std::vector<QByteArray> addresses = addressesOfUriList(outcome.bytes);
         std::copy_if(addresses.begin(), addresses.end(), std::back_inserter(files), isFileAddress);
         if (!files.empty())
-            first.push_back(
-                {request.position, {QStringView(PasteboardType::fileURL).toString(), files.front()}});
+            first.emplace(request.position, PasteboardRepresentation{fileURLType(), files.front()});
         if (files.size() < addresses.size() || files.empty()) // other addresses have no form of their own
-            first.push_back({request.position, representationOf(request, outcome)});
+            first.emplace(request.position, representationOf(request, outcome));
     }
-    std::stable_sort(first.begin(), first.end(),
-                     [](const Placed &a, const Placed &b) { return a.position < b.position; });
 
     std::vector<PasteboardItem> items;
     if (!first.empty())
         items.emplace_back();
-    for (Placed &each : first)
-        items.front().representations.push_back(std::move(each.representation));
+    for (auto &[position, form] : first)
+        items.front().representations.push_back(std::move(form));
     for (size_t i = 1; i < files.size(); ++i)
-        items.push_back({{{QStringView(PasteboardType::fileURL).toString(), files[i]}}});
+        items.push_back({{{fileURLType(), files[i]}}});
     return items;
 }
 

@@ -26,7 +26,7 @@ xcb_window_t FrontWindow::window()
 {
     const auto active = activeWindow(x.raw(), x.root());
     if (active && counts(*active))
-        return *active;
+        return lastActive = *active;
     if (active && lastActive != XCB_WINDOW_NONE)
         return lastActive; // our panel has the focus, or nothing has
     const xcb_window_t focused = focusedTopLevel(x.raw());

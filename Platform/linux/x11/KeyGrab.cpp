@@ -13,6 +13,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds longestHold(250);
+constexpr std::chrono::milliseconds nextTry(1000);
 constexpr std::chrono::milliseconds mapSettles(200); // one layout change comes as several events
 
 } // namespace
@@ -83,7 +84,8 @@ void KeyGrab::drop()
     ungrabVariants();
     key.reset();
     pressTime.reset();
-    allow(XCB_ALLOW_ASYNC_KEYBOARD);
+    awaitServer();
+    wake();
 }
 
 // Grabs all variants or none. With the mutex held.
@@ -119,6 +121,7 @@ int KeyGrab::grabVariants(const Key &wanted)
     if (error != 0) {
         ungrabVariants();
         key.reset();
+        awaitServer();
     }
     return error;
 }
@@ -157,6 +160,13 @@ void KeyGrab::end()
     letGoAt.reset();
     xcb_ungrab_keyboard(connection->raw(), XCB_CURRENT_TIME);
     connection->flush();
+}
+
+// So that a grab is gone for everybody when the caller hears of it.
+void KeyGrab::awaitServer() const
+{
+    const XcbReply<xcb_get_input_focus_reply_t> done(
+        xcb_get_input_focus_reply(connection->raw(), xcb_get_input_focus(connection->raw()), nullptr));
 }
 
 void KeyGrab::allow(uint8_t mode)
@@ -219,16 +229,26 @@ void KeyGrab::handleDeadlines()
         return;
     rereadMapAt.reset();
     const ModifierMap current = readModifierMap(connection->raw());
-    const bool moved = key && (current.numLock != modifierMap.numLock ||
-                               current.mask(key->modifiers) != modifierMap.mask(key->modifiers));
+    const bool moved = current.numLock != modifierMap.numLock ||
+                       (key && current.mask(key->modifiers) != modifierMap.mask(key->modifiers));
     modifierMap = current;
-    if (!moved)
-        return;
-    const Key wanted = *key;
-    ungrabVariants();
-    if (grabVariants(wanted) != 0)
-        logLine(QStringLiteral("Norvane: the hot key was lost when the keyboard changed"));
+    if (key && (moved || grabbedMasks.empty()))
+        grabAgain();
     wake();
+}
+
+// With the mutex held. A key that is refused now stays wanted: who holds it may let go.
+void KeyGrab::grabAgain()
+{
+    const Key wanted = *key;
+    const bool hadIt = !grabbedMasks.empty();
+    ungrabVariants();
+    if (grabVariants(wanted) == 0)
+        return;
+    key = wanted;
+    rereadMapAt = Clock::now() + nextTry;
+    if (hadIt)
+        logLine(QStringLiteral("Norvane: the hot key was lost when the keyboard changed"));
 }
 
 void KeyGrab::handle(const xcb_generic_event_t &event)
@@ -240,7 +260,8 @@ void KeyGrab::handle(const xcb_generic_event_t &event)
         handleRelease(reinterpret_cast<const xcb_key_release_event_t &>(event));
     } else if (type == XCB_MAPPING_NOTIFY || (xkbFirstEvent != 0 && type == xkbFirstEvent)) {
         const std::lock_guard lock(mutex);
-        rereadMapAt = Clock::now() + mapSettles;
+        if (!rereadMapAt)
+            rereadMapAt = Clock::now() + mapSettles;
     }
 }
 

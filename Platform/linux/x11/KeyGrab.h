@@ -54,6 +54,8 @@ private:
     [[nodiscard]] int pollTimeout() const;
     [[nodiscard]] int grabVariants(const Key &wanted);
     void ungrabVariants();
+    void grabAgain();
+    void awaitServer() const;
     void allow(uint8_t mode);
     void wake() const;
     void selectKeyboardChanges();

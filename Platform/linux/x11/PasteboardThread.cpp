@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 
@@ -14,24 +12,7 @@ constexpr std::chrono::milliseconds briefly(20);
 constexpr std::chrono::milliseconds textLimit(900);
 constexpr std::chrono::milliseconds farewell(500);
 constexpr int eventsInOneGo = 256; // then the notes of the main thread have their turn
-
-void signal(int descriptor)
-{
-    const uint64_t one = 1;
-    [[maybe_unused]] const auto written =
-        ::write(descriptor, &one, sizeof one); // full means signalled already
-}
-
-void clearSignal(int descriptor)
-{
-    uint64_t count = 0;
-    [[maybe_unused]] const auto taken = ::read(descriptor, &count, sizeof count);
-}
-
-int newSignal()
-{
-    return eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-}
+constexpr int eventsToCatchUp = 8192;
 
 template <typename Event>
 const Event &as(const xcb_generic_event_t &event)
@@ -51,10 +32,10 @@ std::unique_ptr<PasteboardThread> PasteboardThread::start(std::shared_ptr<const 
 
 PasteboardThread::PasteboardThread(std::unique_ptr<PasteboardConnection> connection,
                                    std::shared_ptr<const DesktopEntries> entries)
-    : wakeSignal(newSignal()), reportSignal(newSignal()), x(std::move(connection)), server(*x),
+    : x(std::move(connection)), server(*x),
       watch(
           *x, std::move(entries), [this](ForeignCopy copy) { report(std::move(copy)); },
-          [this] { signal(wakeSignal); })
+          [this] { wakeSignal.set(); })
 {
     thread = std::thread([this] { run(); });
 }
@@ -63,13 +44,10 @@ PasteboardThread::~PasteboardThread()
 {
     auto over = finished.get_future();
     stopping = true;
-    signal(wakeSignal);
+    wakeSignal.set();
     if (over.wait_for(farewell) == std::future_status::timeout)
         shutdown(x->fileDescriptor(), SHUT_RDWR); // the X server hangs
     thread.join();
-    close(reportSignal);
-    // The picture worker still signals until it is destroyed: its descriptor is closed by the last member's
-    // owner.
 }
 
 bool PasteboardThread::post(Task task)
@@ -80,7 +58,7 @@ bool PasteboardThread::post(Task task)
             return false;
         tasks.push_back(std::move(task));
     }
-    signal(wakeSignal);
+    wakeSignal.set();
     return true;
 }
 
@@ -110,12 +88,12 @@ void PasteboardThread::report(Report report)
             reports.push_back(std::move(report));
         }
     }
-    signal(reportSignal);
+    reportSignal.set();
 }
 
 std::vector<PasteboardThread::Report> PasteboardThread::takeReports()
 {
-    clearSignal(reportSignal);
+    reportSignal.clear();
     const std::lock_guard lock(mutex);
     return std::exchange(reports, {});
 }
@@ -132,12 +110,12 @@ void PasteboardThread::begin()
 
 void PasteboardThread::write(qint64 number, std::shared_ptr<const PasteboardSnapshot> content)
 {
-    post([this, number, content] { claimClipboard(number, *content); });
+    post([this, number, content = std::move(content)] { claimClipboard(number, *content); });
 }
 
 void PasteboardThread::ownPrimary(std::shared_ptr<const PasteboardSnapshot> content)
 {
-    postBriefly([this, content] { claimPrimary(*content); });
+    postBriefly([this, content = std::move(content)] { claimPrimary(*content); });
 }
 
 void PasteboardThread::readText(quint64 number)
@@ -195,12 +173,11 @@ bool PasteboardThread::handleEvents(int limit)
     return true;
 }
 
-// Everything that the X server knows of now is dealt with when this returns.
+// Whatever the X server knows of now is dealt with when this returns.
 void PasteboardThread::catchUp()
 {
     x->synchronize();
-    while (handleEvents(eventsInOneGo) && !stopping) {
-    }
+    handleEvents(eventsToCatchUp);
     watch.advance(Clock::now());
 }
 
@@ -271,9 +248,9 @@ void PasteboardThread::waitForWork()
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()).count();
         timeout = static_cast<int>(std::clamp<qint64>(left, 0, 60'000));
     }
-    pollfd sources[] = {{x->fileDescriptor(), POLLIN, 0}, {wakeSignal, POLLIN, 0}};
+    pollfd sources[] = {{x->fileDescriptor(), POLLIN, 0}, {wakeSignal.fileDescriptor(), POLLIN, 0}};
     poll(sources, 2, timeout);
-    clearSignal(wakeSignal);
+    wakeSignal.clear();
 }
 
 void PasteboardThread::end()

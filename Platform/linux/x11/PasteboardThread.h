@@ -3,6 +3,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/linux/x11/ClipboardWatch.h"
 #include "Platform/linux/x11/SelectionServer.h"
+#include "Platform/linux/x11/WakeSignal.h"
 
 #include <atomic>
 #include <future>
@@ -34,7 +35,7 @@ public:
     using Report = std::variant<ForeignCopy, TextAnswer, Idle, Ended>;
 
     // Becomes readable when reports wait. Copies that were not taken in time are one report.
-    [[nodiscard]] int reportDescriptor() const { return reportSignal; }
+    [[nodiscard]] int reportDescriptor() const { return reportSignal.fileDescriptor(); }
     [[nodiscard]] std::vector<Report> takeReports();
 
     void setPolicy(const PasteboardPolicy &policy);
@@ -71,8 +72,8 @@ private:
     void waitForWork();
     void end();
 
-    int wakeSignal;
-    int reportSignal;
+    WakeSignal wakeSignal; // before whatever still signals when it is destroyed
+    WakeSignal reportSignal;
     std::unique_ptr<PasteboardConnection> x;
     SelectionServer server;
     ClipboardWatch watch;

@@ -102,14 +102,16 @@ void RememberedWindow::handle(const xcb_generic_event_t &event)
 void RememberedWindow::refresh()
 {
     const auto active = activeWindow(connection->raw(), connection->root());
-    if (active) {
+    if (active.value_or(XCB_WINDOW_NONE) != XCB_WINDOW_NONE) {
         consider(*active);
         return;
     }
+    // No manager, or one that has not yet told of the window it has just given the focus.
     const xcb_window_t focused = focusedTopLevel(connection->raw());
-    consider(focused != XCB_WINDOW_NONE                                 ? focused
-             : focusWindow(*connection) == XCB_INPUT_FOCUS_POINTER_ROOT ? windowUnderPointer(*connection)
-                                                                        : xcb_window_t(XCB_WINDOW_NONE));
+    if (focused != XCB_WINDOW_NONE)
+        consider(focused);
+    else if (!active && focusWindow(*connection) == XCB_INPUT_FOCUS_POINTER_ROOT)
+        consider(windowUnderPointer(*connection));
 }
 
 void RememberedWindow::consider(xcb_window_t candidate)

@@ -16,7 +16,8 @@ using State = IncomingTransfer::State;
 // A healthy owner lists its targets within 2 ms; the slowest single conversion that was measured took 2.3 s.
 constexpr std::chrono::milliseconds targetsPatience(500);
 constexpr std::chrono::seconds targetPatience(2);
-constexpr qint64 maxTargets = 1024;
+constexpr qint64 maxListBytes = 256LL * 1024;
+constexpr size_t maxTargets = 1024;
 
 } // namespace
 
@@ -24,7 +25,7 @@ SelectionReader::SelectionReader(PasteboardConnection &connection, PropertyRing 
                                  const Options &wanted, TimePoint now)
     : x(connection), ring(propertyRing), options(wanted), end(now + wanted.limit)
 {
-    ask("TARGETS", maxTargets * 4, targetsPatience, now);
+    ask("TARGETS", maxListBytes, targetsPatience, now);
 }
 
 bool SelectionReader::handleAnswer(const xcb_selection_notify_event_t &event, TimePoint now)
@@ -93,26 +94,32 @@ void SelectionReader::proceed(TimePoint now)
 // The owner's list becomes the plan. An owner that has no list is asked for text, as it always was.
 void SelectionReader::takeTargets(TimePoint now)
 {
-    if (transfer->state() != State::complete && transfer->state() != State::refused) {
+    if (transfer->state() == State::unanswered || transfer->state() == State::endless) {
         stop();
         return;
     }
     answered = true;
     std::vector<QByteArray> targets = {"UTF8_STRING", "STRING"};
-    if (transfer->state() == State::complete) {
+    if (transfer->state() != State::refused) {
         const QByteArray list = transfer->takeBytes();
-        std::vector<xcb_atom_t> atoms(static_cast<size_t>(list.size()) / 4);
+        std::vector<xcb_atom_t> atoms(std::min(static_cast<size_t>(list.size()) / 4, maxTargets));
         if (!atoms.empty())
             std::memcpy(atoms.data(), list.constData(), atoms.size() * 4);
         targets = atomNames(x.raw(), atoms);
     }
     plan = planFor(targets);
     outcomes.resize(plan.requests.size());
-    if (options.scope == Scope::list || (plan.concealed && options.scope != Scope::text)) {
-        stop();
+    const bool concealed = plan.concealed && options.scope != Scope::text;
+    if (options.scope != Scope::list && !concealed) {
+        askNext(now);
         return;
     }
-    askNext(now);
+    textFound = plan.offers(Kind::text); // as far as the list tells
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        if (plan.requests[i].kind == Kind::picture && isPictureLess())
+            outcomes[i].status = Status::refused;
+    }
+    stop();
 }
 
 void SelectionReader::takeCandidate(TimePoint now)

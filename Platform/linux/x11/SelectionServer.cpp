@@ -7,8 +7,8 @@
 namespace {
 
 // Chunks of 1 MiB go fastest; above 256 KiB other programs' toolkits send in chunks too.
-constexpr qsizetype maxWholeBytes = 256 * 1024;
-constexpr qsizetype maxChunkBytes = 1024 * 1024;
+constexpr qsizetype maxWholeBytes = 256LL * 1024;
+constexpr qsizetype maxChunkBytes = 1024LL * 1024;
 constexpr std::chrono::seconds stallTime(30);
 constexpr size_t maxTransfers = 1024;
 constexpr quint32 maxMultiplePairs = 256;

@@ -4,6 +4,7 @@
 #include "Platform/linux/x11/TextEncoding.h"
 #include "Platform/linux/x11/TypeTable.h"
 
+#include <QSet>
 #include <algorithm>
 
 namespace {
@@ -43,10 +44,10 @@ public:
 private:
     void add(const QByteArray &target, const QByteArray &type, const QByteArray &bytes, bool latin1 = false)
     {
-        const bool known = std::any_of(targets.begin(), targets.end(),
-                                       [&](const ServedTarget &each) { return each.target == target; });
-        if (!known)
-            targets.push_back({target, type, bytes, latin1});
+        if (names.contains(target))
+            return;
+        names.insert(target);
+        targets.push_back({target, type, bytes, latin1});
     }
 
     void addTextTargets(const QByteArray &text)
@@ -93,6 +94,7 @@ private:
     }
 
     const std::vector<PasteboardItem> &items;
+    QSet<QByteArray> names;
     bool textAdded = false;
     bool filesAdded = false;
 };

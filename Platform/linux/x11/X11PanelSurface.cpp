@@ -6,8 +6,7 @@
 #include "Platform/linux/x11/X11Workspace.h"
 
 #include <QApplication>
-#include <QEvent>
-#include <QPainterPath>
+#include <QMouseEvent>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
@@ -15,7 +14,11 @@
 namespace {
 
 constexpr double cornerRadius = 12; // points
-constexpr int sameClick = 100; // milliseconds between a menu's closing and the raw event of the same click
+// Milliseconds.
+constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
+constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
+constexpr int retakeAgain = 20;
+constexpr int ownPressArrives = 15; // from the X server by way of Qt
 
 // Everything that Qt has sent has been carried out when this returns.
 void awaitQtRequests()
@@ -61,6 +64,22 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     while (parent != nullptr && parent != panel)
         parent = parent->parent();
     return parent != nullptr;
+}
+
+// A rectangle with its corners cut along a circle, pixel by pixel: a polygon of the curve leaves flat
+// corners.
+QRegion roundedMask(const QSize &size)
+{
+    const int side = qRound(2 * cornerRadius);
+    const QRect whole(QPoint(0, 0), size);
+    const int radius = qRound(cornerRadius);
+    QRegion mask(whole.adjusted(radius, 0, -radius, 0));
+    mask += whole.adjusted(0, radius, 0, -radius);
+    for (const int x : {0, size.width() - side}) {
+        for (const int y : {0, size.height() - side})
+            mask += QRegion(x, y, side, side, QRegion::Ellipse);
+    }
+    return mask;
 }
 
 } // namespace
@@ -182,15 +201,19 @@ void X11PanelSurface::shape()
     RememberedWindow *front = workspace.remembered();
     if (panel->testAttribute(Qt::WA_TranslucentBackground) && front && compositorPresent(front->server())) {
         panel->clearMask();
+        maskedSize = {};
         return;
     }
-    QPainterPath outline;
-    outline.addRoundedRect(panel->rect(), cornerRadius, cornerRadius);
-    panel->setMask(QRegion(outline.toFillPolygon().toPolygon()));
+    if (maskedSize == panel->size())
+        return;
+    maskedSize = panel->size();
+    panel->setMask(roundedMask(maskedSize));
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
+        ownPressTime = static_cast<quint32>(static_cast<QMouseEvent *>(event)->timestamp());
     auto *window = qobject_cast<QWidget *>(watched);
     if (window == nullptr || !window->isWindow() || !panel)
         return false;
@@ -232,7 +255,7 @@ void X11PanelSurface::retakeFocus()
     if (!focus || focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
     if (!focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
-        requestDismiss();
+        QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
         return;
     }
     if (!panel->isActiveWindow())
@@ -245,17 +268,23 @@ void X11PanelSurface::whenDeactivated()
         return;
     if (focus && focusWindow(workspace.remembered()->server()) == nativeWindow())
         return;
-    if (childClosed.isValid() && childClosed.elapsed() < sameClick)
-        return; // a dialog has just ended, and whenChildClosed takes the keyboard back
-    requestDismiss();
+    if (childClosed.isValid() && childClosed.elapsed() < childEnds)
+        retakeFocus(); // the window manager gave it to the program in front when a dialog of the panel ended
+    else
+        requestDismiss();
 }
 
 void X11PanelSurface::whenPressed(const std::vector<quint32> &windows, quint32 time)
 {
     if (!presented || hasOpenChild() || (childClosed.isValid() && childClosed.elapsed() < sameClick))
         return; // the press closed a menu, and that was all it was for
-    if (std::none_of(windows.begin(), windows.end(), isOurs))
-        requestDismiss(time - 1); // so that a move of the focus by this very click is newer than ours
+    if (std::any_of(windows.begin(), windows.end(), isOurs))
+        return;
+    // The pointer may have left us since the press; then Qt has the press too, or is about to.
+    QTimer::singleShot(ownPressArrives, this, [this, time] {
+        if (presented && static_cast<qint32>(time - ownPressTime) > 0)
+            requestDismiss(time - 1); // so that a move of the focus by this very click is newer than ours
+    });
 }
 
 void X11PanelSurface::requestDismiss(quint32 time)

@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QSize>
 #include <QPointer>
 #include <QWidget>
 #include <memory>
@@ -50,7 +51,9 @@ private:
     RawClicks clicks;
     std::unique_ptr<PanelFocus> focus;  // null without an X server
     std::optional<quint32> dismissTime; // of the click that closes the panel
+    quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
+    QSize maskedSize; // of the mask the panel has; invalid for none
     bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
 };

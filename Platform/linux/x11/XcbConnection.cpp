@@ -59,8 +59,10 @@ void XcbConnection::dispatch(std::function<void(const xcb_generic_event_t &)> ne
             notifier->setEnabled(false); // a lost server would wake us for ever
     });
     // Waiting for a reply moves events from the socket into xcb's queue, where no notifier sees them.
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
-                     notifier.get(), [this] { deliver(xcb_poll_for_queued_event); });
+    auto *eventLoop = QAbstractEventDispatcher::instance();
+    const auto deliverQueued = [this] { deliver(xcb_poll_for_queued_event); };
+    QObject::connect(eventLoop, &QAbstractEventDispatcher::awake, notifier.get(), deliverQueued);
+    QObject::connect(eventLoop, &QAbstractEventDispatcher::aboutToBlock, notifier.get(), deliverQueued);
     flush();
 }
 

@@ -103,11 +103,11 @@ TEST_P(InstanceTest, TheSecondStartIsRefusedAndReachesTheFirst)
     Probe first(environment, {"claim"});
     ASSERT_EQ(first.nextLine(), "claimed");
     EXPECT_EQ(Probe(environment, {"claim"}).nextLine(), "refused");
-    for (const char *action : {"show", "toggle", "hide"}) {
+    for (const char *action : {"show", "toggle", "hide", "pause", "quit"}) {
         EXPECT_EQ(ask(action), "answered");
         EXPECT_EQ(first.nextLine(), QString::fromLatin1(action));
     }
-    EXPECT_EQ(ask("quit"), "unanswered");
+    EXPECT_EQ(ask("clear"), "unanswered");
     EXPECT_EQ(ask(""), "unanswered");
     EXPECT_EQ(ask(QString(500, u'x')), "unanswered");
     EXPECT_EQ(ask("hide"), "answered");

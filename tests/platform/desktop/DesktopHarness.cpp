@@ -1,12 +1,19 @@
 #include "tests/platform/desktop/DesktopHarness.h"
 
 #include "Platform/linux/x11/WindowProperties.h"
+#include "Platform/linux/x11/XcbXkb.h"
 
+#include <QGuiApplication>
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>
 
 Hand::Hand() : connection(XcbConnection::open()) {}
+
+Hand::~Hand()
+{
+    settle();
+}
 
 void Hand::press(int key, unsigned delay)
 {
@@ -36,26 +43,29 @@ void Hand::chord(std::initializer_list<int> keys)
 
 void Hand::click(QPoint place)
 {
-    const auto x = static_cast<int16_t>(place.x()), y = static_cast<int16_t>(place.y());
-    xcb_test_fake_input(connection->raw(), XCB_MOTION_NOTIFY, 0, 0, connection->root(), x, y, 0);
-    xcb_test_fake_input(connection->raw(), XCB_BUTTON_PRESS, 1, 0, 0, 0, 0, 0);
-    xcb_test_fake_input(connection->raw(), XCB_BUTTON_RELEASE, 1, 20, 0, 0, 0, 0);
-    connection->flush();
+    pressButton(1, place);
 }
 
 void Hand::wheel(QPoint place)
 {
-    const auto x = static_cast<int16_t>(place.x()), y = static_cast<int16_t>(place.y());
-    xcb_test_fake_input(connection->raw(), XCB_MOTION_NOTIFY, 0, 0, connection->root(), x, y, 0);
-    xcb_test_fake_input(connection->raw(), XCB_BUTTON_PRESS, 5, 0, 0, 0, 0, 0);
-    xcb_test_fake_input(connection->raw(), XCB_BUTTON_RELEASE, 5, 0, 0, 0, 0, 0);
+    pressButton(5, place);
+}
+
+void Hand::pressButton(uint8_t button, QPoint place)
+{
+    xcb_test_fake_input(connection->raw(), XCB_MOTION_NOTIFY, 0, 0, connection->root(),
+                        static_cast<int16_t>(place.x()), static_cast<int16_t>(place.y()), 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_PRESS, button, 0, 0, 0, 0, 0);
+    xcb_test_fake_input(connection->raw(), XCB_BUTTON_RELEASE, button, 0, 0, 0, 0, 0);
     connection->flush();
 }
 
 void Hand::setFocus(quint32 window)
 {
-    xcb_set_input_focus(connection->raw(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
-    settle();
+    const XcbReply<xcb_generic_error_t> refused(xcb_request_check(
+        connection->raw(),
+        xcb_set_input_focus_checked(connection->raw(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME)));
+    EXPECT_FALSE(refused) << "X error " << int(refused ? refused->error_code : 0);
 }
 
 quint32 Hand::focus()
@@ -70,6 +80,31 @@ bool Hand::isDown(int key)
     const XcbReply<xcb_query_keymap_reply_t> keys(
         xcb_query_keymap_reply(connection->raw(), xcb_query_keymap(connection->raw()), nullptr));
     return keys && (keys->keys[key / 8] >> (key % 8) & 1) != 0;
+}
+
+void Hand::unlock()
+{
+    const XcbReply<xcb_xkb_use_extension_reply_t> usable(xcb_xkb_use_extension_reply(
+        connection->raw(), xcb_xkb_use_extension(connection->raw(), 1, 0), nullptr));
+    xcb_xkb_latch_lock_state(connection->raw(), XCB_XKB_ID_USE_CORE_KBD, 0xff, 0, 1, 0, 0, 0, 0);
+    settle();
+}
+
+int Hand::modifiers()
+{
+    const XcbReply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+        connection->raw(), xcb_query_pointer(connection->raw(), connection->root()), nullptr));
+    return pointer ? pointer->mask & 0xff : -1;
+}
+
+void Hand::makeDock(QWidget &widget)
+{
+    const auto window = static_cast<quint32>(widget.winId());
+    QGuiApplication::sync();
+    const xcb_atom_t dock = connection->atom("_NET_WM_WINDOW_TYPE_DOCK");
+    xcb_change_property(connection->raw(), XCB_PROP_MODE_REPLACE, window,
+                        connection->atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &dock);
+    settle();
 }
 
 void Hand::settle()
@@ -166,6 +201,7 @@ Layout::Layout(const QStringList &arguments)
 
 Layout::~Layout()
 {
+    Hand().unlock();
     QProcess::execute(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
 }
 
@@ -177,6 +213,5 @@ Lock::Lock(Hand &whose, int which) : hand(whose), key(which)
 
 Lock::~Lock()
 {
-    hand.tap(key);
-    hand.settle();
+    hand.unlock();
 }

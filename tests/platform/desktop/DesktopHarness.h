@@ -15,6 +15,7 @@ public:
                          x = 53, y = 29, z = 52, h = 43, returnKey = 36, escape = 9, tab = 23;
 
     Hand();
+    ~Hand(); // with nothing left half done
     // After `delay` milliseconds, counted by the server, which does nothing else for us meanwhile.
     void press(int key, unsigned delay = 0);
     void release(int key, unsigned delay = 0);
@@ -25,12 +26,20 @@ public:
     void setFocus(quint32 window);
     [[nodiscard]] quint32 focus();
     [[nodiscard]] bool isDown(int key);
+    // No modifier is locked any more, and the first layout group is in force.
+    void unlock();
+    // The core modifiers in force.
+    [[nodiscard]] int modifiers();
+    // Makes the window of the widget, as a dock.
+    void makeDock(QWidget &widget);
     // Everything asked for has happened.
     void settle();
 
     [[nodiscard]] XcbConnection &server() { return *connection; }
 
 private:
+    void pressButton(uint8_t button, QPoint place);
+
     std::unique_ptr<XcbConnection> connection;
 };
 

@@ -74,7 +74,7 @@ TEST_P(PasteOnLayout, UsesTheKeyThatTypesV)
     }
     EXPECT_TRUE(pastes(neighbour, QStringLiteral("layout")));
     // A key lent for the stroke goes back, and the keyboard stays usable in the layout that was in force.
-    neighbour.order("own again");
+    ASSERT_TRUE(neighbour.own("again"));
     keys.postPaste();
     EXPECT_TRUE(neighbour.waitForText(QStringLiteral("layoutagain")));
 }

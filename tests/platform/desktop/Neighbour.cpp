@@ -38,6 +38,7 @@ public:
 int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("DesktopNeighbour"));
     QWidget window;
     window.setWindowTitle(QStringLiteral("Neighbour"));
     auto *field = new QLineEdit;

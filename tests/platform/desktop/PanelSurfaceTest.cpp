@@ -30,6 +30,7 @@ class PanelOnDesktop : public ::testing::Test {
 protected:
     PanelOnDesktop()
     {
+        EXPECT_EQ(hand.modifiers(), 0) << "the test before left something pressed or locked";
         surface.adopt(&panel);
         surface.onDismissRequest = [this] {
             ++dismissRequests;
@@ -57,11 +58,13 @@ protected:
     }
     bool waitForPanelFocus()
     {
-        return QTest::qWaitFor(
-            [&] {
-                return panel.isActiveWindow() && panel.field->hasFocus() && hand.focus() == panel.winId();
-            },
-            3000);
+        return QTest::qWaitForWindowExposed(&panel, 3000) && QTest::qWaitFor(
+                                                                 [&] {
+                                                                     return panel.isActiveWindow() &&
+                                                                            panel.field->hasFocus() &&
+                                                                            hand.focus() == panel.winId();
+                                                                 },
+                                                                 3000);
     }
     bool waitForClosed()
     {
@@ -130,7 +133,6 @@ TEST_F(PanelOnDesktop, GetsKeysTypedWhileTheHotKeyIsStillDown)
 TEST_F(PanelOnDesktop, GivesTheKeyboardBackToTheSameField)
 {
     Neighbour neighbour;
-    const quint32 before = hand.focus();
     for (int round = 0; round < 5; ++round) {
         pressHotKey();
         ASSERT_TRUE(waitForPanelFocus());
@@ -138,7 +140,7 @@ TEST_F(PanelOnDesktop, GivesTheKeyboardBackToTheSameField)
         pressHotKey();
         ASSERT_TRUE(waitForClosed());
         ASSERT_TRUE(neighbour.waitForFocus());
-        EXPECT_EQ(hand.focus(), before);
+        EXPECT_EQ(hand.focus(), neighbour.window);
     }
     hand.tap(Hand::z);
     EXPECT_TRUE(neighbour.waitForText(QStringLiteral("z")));
@@ -200,7 +202,8 @@ TEST_F(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
     open();
     ASSERT_TRUE(waitForPanelFocus());
     hand.click(place.center());
-    hand.wheel(outside);
+    if (!runsUnderWindowManager()) // many of them move the focus with the wheel
+        hand.wheel(neighbour.middle());
     hand.click(place.center());
     hand.tap(Hand::x);
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
@@ -240,8 +243,8 @@ TEST_F(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereD
     ASSERT_TRUE(QTest::qWaitFor([&] { return workspace.rememberedWindow() != second->window; }, 3000));
     surface.dismiss();
     EXPECT_NE(hand.focus(), panel.winId());
-    if (runsUnderWindowManager())
-        EXPECT_TRUE(first->waitForFocus()) << "the manager was asked for its topmost window";
+    EXPECT_TRUE(!runsUnderWindowManager() || first->waitForFocus())
+        << "the manager was not asked for its topmost window";
 }
 
 TEST_F(PanelOnDesktop, ClosesWhenAnotherWindowBecomesActive)
@@ -268,7 +271,7 @@ TEST_F(PanelOnDesktop, StaysOpenBeneathItsMenuAndTypesAfterwards)
     QMenu menu(&panel);
     menu.addAction(QStringLiteral("Copy"));
     menu.popup(place.center());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activePopupWidget() == &menu; }, 3000));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
     hand.click(outside);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !menu.isVisible(); }, 3000));
     hand.tap(Hand::x);

@@ -10,7 +10,8 @@ TEST(Screens, ListTheOneThatIsThere)
     const auto areas = screens.screens();
     ASSERT_EQ(areas.size(), 1U);
     EXPECT_EQ(areas[0].frame, QRectF(0, 0, 1600, 1000));
-    EXPECT_EQ(areas[0].visibleFrame, areas[0].frame);
+    EXPECT_TRUE(areas[0].frame.contains(areas[0].visibleFrame)) << "a manager may have a taskbar of its own";
+    EXPECT_GT(areas[0].visibleFrame.height(), 900);
 }
 
 TEST(Screens, LeaveOutADockOnItsEdge)
@@ -19,9 +20,9 @@ TEST(Screens, LeaveOutADockOnItsEdge)
         GTEST_SKIP() << "without a window manager nobody lists the docks";
     const X11Screens screens;
     QWidget dock;
-    dock.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
     dock.setGeometry(0, 0, 1600, 40);
     Hand hand;
+    hand.makeDock(dock);
     const quint32 strut[12] = {0, 0, 40, 0, 0, 0, 0, 0, 0, 1599, 0, 0};
     xcb_change_property(hand.server().raw(), XCB_PROP_MODE_REPLACE, static_cast<quint32>(dock.winId()),
                         hand.server().atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, 32, 12, strut);

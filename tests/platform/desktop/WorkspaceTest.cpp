@@ -88,11 +88,11 @@ TEST_F(FrontApplications, IsNeverADock)
 {
     Neighbour neighbour;
     ASSERT_TRUE(waitForFront(neighbourClass));
+    Hand hand;
     QWidget dock;
-    dock.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
+    hand.makeDock(dock);
     dock.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dock));
-    Hand hand;
     hand.setFocus(static_cast<quint32>(dock.winId()));
     ASSERT_TRUE(QTest::qWaitFor([&] { return hand.focus() == dock.winId(); }, 3000));
     EXPECT_TRUE(waitForFront(neighbourClass));

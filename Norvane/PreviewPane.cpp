@@ -1,0 +1,219 @@
+#include "Norvane/PreviewPane.h"
+
+#include "Norvane/ClipTitles.h"
+#include "Norvane/Palette.h"
+#include "Norvane/app/Preferences.h"
+#include "Norvane/store/ClipStore.h"
+#include "Vesmo/Localisation.h"
+#include "Vesmo/Text.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QImageReader>
+#include <QLabel>
+#include <QPointer>
+#include <QThreadPool>
+
+using Metrics::scaled;
+
+namespace {
+
+constexpr qsizetype charactersShown = 50000;
+constexpr qint64 largeImage = 1'000'000; // pixels: above, decoding takes longer than a frame
+constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4, imageShare = 0.55;
+constexpr int longestSide = 4096; // of a decoded preview, pixels
+
+QImage decoded(const QByteArray &bytes)
+{
+    QByteArray copy = bytes;
+    QBuffer buffer(&copy);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isValid() && std::max(size.width(), size.height()) > longestSide)
+        reader.setScaledSize(size.scaled(longestSide, longestSide, Qt::KeepAspectRatio));
+    return reader.read();
+}
+
+bool isLarge(const Clip &clip)
+{
+    return clip.pixelSize.width() * clip.pixelSize.height() > largeImage || clip.pixelSize.isEmpty();
+}
+
+QString dateText(double created)
+{
+    const auto reference = QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime date = reference.addMSecs(qRound64(created * 1000)).toLocalTime();
+    const QLocale locale = AppLanguage::locale();
+    return locale.toString(date.date(), QStringLiteral("d MMM yyyy")) + QStringLiteral(", ") +
+           locale.toString(date.time(), QLocale::ShortFormat);
+}
+
+QString lineCountText(const QString &text)
+{
+    const qsizetype lines = text.count(u'\n') + 1;
+    return lines == 1 ? L("1 riga") : L("%@ righe", lines);
+}
+
+QString fileCountText(const QString &paths)
+{
+    qsizetype count = 0;
+    for (const auto path : QStringView(paths).tokenize(u'\n', Qt::SkipEmptyParts)) {
+        Q_UNUSED(path)
+        ++count;
+    }
+    return count == 1 ? L("1 file") : L("%@ file", count);
+}
+
+} // namespace
+
+PreviewPane::PreviewPane(Pasteboard &pasteboard, const Preferences &preferences, QWidget *parent)
+    : QWidget(parent), prefs(preferences), textView(new PreviewText(pasteboard, this)),
+      imageView(new PreviewImage(this)), infoLabel(new QLabel(this))
+{
+    infoLabel->setFont(Metrics::font(11));
+    infoLabel->setTextFormat(Qt::PlainText);
+    infoLabel->setWordWrap(true);
+    infoLabel->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+    applyColours();
+    arrange(Arrangement::nothing);
+}
+
+PreviewPane::~PreviewPane() = default;
+
+QString PreviewPane::information() const
+{
+    return infoLabel->text();
+}
+
+void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
+{
+    if (!clip) {
+        shownClip.reset();
+        shownRevision = 0;
+        ++*generation;
+        infoLabel->clear();
+        arrange(Arrangement::nothing);
+        return;
+    }
+    if (clip == shownClip.lock() && clip->revision == shownRevision)
+        return;
+    shownClip = clip;
+    shownRevision = clip->revision;
+    ++*generation;
+    QStringList parts{title(clip->kind)};
+    parts += clip->kind == ClipKind::image ? showImage(*clip, store) : showText(*clip);
+    if (clip->appName)
+        parts << L("da %@", *clip->appName);
+    parts << dateText(clip->created);
+    infoLabel->setText(parts.join(QStringLiteral(" · ")));
+    placeViews();
+}
+
+QStringList PreviewPane::showImage(const Clip &clip, const ClipStore &store)
+{
+    QStringList parts{L("%@×%@ px", static_cast<qint64>(clip.pixelSize.width()),
+                        static_cast<qint64>(clip.pixelSize.height())),
+                      byteCountText(clip.size)};
+    pixelSize = clip.pixelSize;
+    loadImage(clip, store);
+    if (clip.recognizedText && !clip.recognizedText->isEmpty()) {
+        textView->showText(*clip.recognizedText, Metrics::font(12.5), scaled(96));
+        arrange(Arrangement::imageAndText);
+        parts << L("testo riconosciuto");
+        return parts;
+    }
+    arrange(Arrangement::imageOnly);
+    if (!clip.recognizedText && prefs.recognizeText())
+        parts << L("lettura del testo…");
+    return parts;
+}
+
+void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
+{
+    imageView->setImage(clip.thumbnail());
+    const auto bytes = clip.imageData(store);
+    if (!bytes)
+        return;
+    if (!isLarge(clip)) {
+        if (const QImage image = decoded(*bytes); !image.isNull())
+            imageView->setImage(image);
+        return;
+    }
+    QThreadPool::globalInstance()->start(
+        [bytes = *bytes, pane = QPointer(this), wanted = *generation, current = generation] {
+            const QImage image = decoded(bytes);
+            if (image.isNull())
+                return;
+            QMetaObject::invokeMethod(qApp, [image, pane, wanted, current] {
+                if (pane && *current == wanted)
+                    pane->imageView->setImage(image);
+            });
+        });
+}
+
+QStringList PreviewPane::showText(const Clip &clip)
+{
+    const qsizetype shown = lengthOfClusters(clip.text, charactersShown);
+    QFont font = Metrics::font(12);
+    font.setFamilies({QStringLiteral("monospace")});
+    font.setStyleHint(QFont::Monospace);
+    textView->showText(clip.text.left(shown), font, 0);
+    arrange(Arrangement::textOnly);
+    if (clip.kind == ClipKind::files)
+        return {fileCountText(clip.text)};
+    return {L("%@ caratteri", clusterCount(clip.text)), lineCountText(clip.text)};
+}
+
+void PreviewPane::arrange(Arrangement chosen)
+{
+    arrangement = chosen;
+    textView->setVisible(chosen == Arrangement::textOnly || chosen == Arrangement::imageAndText);
+    imageView->setVisible(chosen == Arrangement::imageOnly || chosen == Arrangement::imageAndText);
+    placeViews();
+}
+
+void PreviewPane::placeViews()
+{
+    const int infoWidth = std::max(0, width() - 2 * scaled(infoInset));
+    const int threeLines = 3 * infoLabel->fontMetrics().lineSpacing();
+    const int infoHeight = std::min(infoLabel->heightForWidth(infoWidth), threeLines);
+    const int infoTop = height() - scaled(infoBottom) - infoHeight;
+    infoLabel->setGeometry(scaled(infoInset), infoTop, infoWidth, infoHeight);
+
+    const int inset = scaled(imageInset);
+    const int imageWidth = std::max(0, width() - 2 * inset);
+    const int textBottom = infoTop - scaled(infoGap);
+    if (arrangement == Arrangement::imageOnly) {
+        imageView->setGeometry(inset, inset, imageWidth, std::max(0, infoTop - 2 * inset));
+    } else if (arrangement == Arrangement::imageAndText) {
+        int imageHeight = static_cast<int>(imageShare * height());
+        if (!pixelSize.isEmpty())
+            imageHeight = std::min(imageHeight, qRound(imageWidth * pixelSize.height() / pixelSize.width()));
+        imageView->setGeometry(inset, inset, imageWidth, imageHeight);
+        const int textTop = inset + imageHeight + scaled(imageTextGap);
+        textView->setGeometry(0, textTop, width(), std::max(0, textBottom - textTop));
+    } else {
+        textView->setGeometry(0, 0, width(), std::max(0, textBottom));
+    }
+}
+
+void PreviewPane::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeViews();
+}
+
+void PreviewPane::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
+    QWidget::changeEvent(event);
+}
+
+void PreviewPane::applyColours()
+{
+    QPalette colours = infoLabel->palette();
+    colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
+    infoLabel->setPalette(colours);
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "Norvane/store/Clip.h"
+
+#include <QPlainTextEdit>
+#include <QWidget>
+#include <memory>
+
+class ClipStore;
+class Pasteboard;
+class Preferences;
+class QLabel;
+
+// A text that can be selected and copied, through our own pasteboard, but not changed. Main thread.
+class PreviewText : public QPlainTextEdit {
+    Q_OBJECT
+
+public:
+    PreviewText(Pasteboard &pasteboard, QWidget *parent);
+
+    // Shows a text from its beginning. Lines too long for the toolkit to lay out are cut for display.
+    void showText(const QString &text, const QFont &font, qreal tabInterval);
+
+    void copySelection();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    Pasteboard &pasteboard;
+    std::vector<qsizetype> cuts; // line feeds that only the display has
+};
+
+// An image, scaled down to fit, never up, at the top of its frame's centre. Main thread.
+class PreviewImage : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    void setImage(const QImage &image);
+    [[nodiscard]] const QImage &image() const { return image_; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QImage image_;
+    QPixmap scaledImage;
+};
+
+// The selected clip in full beside the list: its text or image, or both, and a line about it. Main thread.
+//
+// Large images are decoded on a worker; what arrives for a clip that is not shown any more is dropped.
+class PreviewPane : public QWidget {
+    Q_OBJECT
+
+public:
+    PreviewPane(Pasteboard &pasteboard, const Preferences &prefs, QWidget *parent);
+    ~PreviewPane() override;
+
+    // Null clears the pane. A clip that is shown already in this revision keeps its scroll position.
+    void show(const ClipPointer &clip, const ClipStore &store);
+
+    [[nodiscard]] QString information() const;
+    [[nodiscard]] PreviewText &text() { return *textView; }
+    [[nodiscard]] PreviewImage &image() { return *imageView; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    enum class Arrangement { nothing, textOnly, imageOnly, imageAndText };
+
+    QStringList showImage(const Clip &clip, const ClipStore &store);
+    QStringList showText(const Clip &clip);
+    void loadImage(const Clip &clip, const ClipStore &store);
+    void arrange(Arrangement chosen);
+    void placeViews();
+    void applyColours();
+
+    const Preferences &prefs;
+    PreviewText *textView;
+    PreviewImage *imageView;
+    QLabel *infoLabel;
+    Arrangement arrangement = Arrangement::nothing;
+    QSizeF pixelSize;
+    std::weak_ptr<Clip> shownClip;
+    qint64 shownRevision = 0;
+    std::shared_ptr<qint64> generation = std::make_shared<qint64>(0); // of the image asked for last
+};

@@ -1,0 +1,145 @@
+// The text and the image of the preview.
+
+#include "Norvane/Palette.h"
+#include "Norvane/PreviewPane.h"
+#include "Platform/Pasteboard.h"
+#include "Vesmo/Localisation.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+
+using Metrics::scaled;
+
+namespace {
+
+// Laying out one line without blanks costs the square of its length: 500,000 characters take half a minute. Pieces
+// of this length take 12 ms.
+constexpr qsizetype longestBlock = 2000;
+constexpr qsizetype longLine = 5000;
+
+struct DisplayText {
+    QString text;
+    std::vector<qsizetype> cuts; // positions of the line feeds that the text itself does not have
+};
+
+bool splitsSurrogates(QStringView text, qsizetype position)
+{
+    return position > 0 && position < text.size() && text[position - 1].isHighSurrogate() &&
+           text[position].isLowSurrogate();
+}
+
+DisplayText displayText(const QString &text)
+{
+    DisplayText display;
+    display.text.reserve(text.size() + text.size() / longestBlock);
+    for (const auto line : QStringView(text).tokenize(u'\n')) {
+        if (!display.text.isEmpty() || line.data() != text.constData())
+            display.text += u'\n';
+        if (line.size() <= longLine) {
+            display.text += line;
+            continue;
+        }
+        for (qsizetype start = 0; start < line.size();) {
+            qsizetype end = std::min(start + longestBlock, line.size());
+            if (splitsSurrogates(line, end))
+                ++end;
+            if (start > 0) {
+                display.cuts.push_back(display.text.size());
+                display.text += u'\n';
+            }
+            display.text += line.mid(start, end - start);
+            start = end;
+        }
+    }
+    return display;
+}
+
+} // namespace
+
+PreviewText::PreviewText(Pasteboard &generalPasteboard, QWidget *parent)
+    : QPlainTextEdit(parent), pasteboard(generalPasteboard)
+{
+    setReadOnly(true);
+    setUndoRedoEnabled(false);
+    setFrameShape(NoFrame);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    document()->setDocumentMargin(scaled(8));
+    setTabChangesFocus(true);
+    QPalette colours = palette();
+    colours.setColor(QPalette::Base, Qt::transparent);
+    setPalette(colours);
+}
+
+void PreviewText::showText(const QString &text, const QFont &font, qreal tabInterval)
+{
+    DisplayText display = displayText(text);
+    setFont(font);
+    setWordWrapMode(!display.cuts.empty() ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setTabStopDistance(tabInterval > 0 ? tabInterval : 8 * fontMetrics().horizontalAdvance(u' '));
+    setPlainText(display.text);
+    cuts = std::move(display.cuts);
+    moveCursor(QTextCursor::Start);
+}
+
+void PreviewText::copySelection()
+{
+    QString selected = textCursor().selectedText().replace(QChar::ParagraphSeparator, u'\n');
+    const qsizetype start = textCursor().selectionStart();
+    for (auto cut = cuts.rbegin(); cut != cuts.rend(); ++cut) {
+        if (*cut >= start && *cut < start + selected.size())
+            selected.remove(*cut - start, 1);
+    }
+    if (!selected.isEmpty())
+        pasteboard.write({{{{QStringView(PasteboardType::plainText).toString(), selected.toUtf8()}}}});
+}
+
+void PreviewText::keyPressEvent(QKeyEvent *event)
+{
+    if (event->matches(QKeySequence::Copy))
+        copySelection();
+    else
+        QPlainTextEdit::keyPressEvent(event);
+}
+
+void PreviewText::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::MiddleButton)
+        QPlainTextEdit::mousePressEvent(event);
+}
+
+void PreviewText::contextMenuEvent(QContextMenuEvent *event)
+{
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction *copy = menu->addAction(L("Copia"), this, &PreviewText::copySelection);
+    copy->setEnabled(textCursor().hasSelection());
+    menu->addAction(L("Seleziona tutto"), this, &QPlainTextEdit::selectAll);
+    menu->popup(event->globalPos());
+}
+
+void PreviewImage::setImage(const QImage &image)
+{
+    image_ = image;
+    scaledImage = {};
+    update();
+}
+
+void PreviewImage::paintEvent(QPaintEvent *)
+{
+    if (image_.isNull() || size().isEmpty())
+        return;
+    const qreal scale = devicePixelRatioF();
+    QSize target = image_.size();
+    if (const QSize room = size() * scale; target.width() > room.width() || target.height() > room.height())
+        target.scale(room, Qt::KeepAspectRatio);
+    target = target.expandedTo({1, 1});
+    if (scaledImage.size() != target) {
+        scaledImage = QPixmap::fromImage(image_.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        scaledImage.setDevicePixelRatio(scale);
+    }
+    const QSizeF shown = scaledImage.deviceIndependentSize();
+    QPainter(this).drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2), scaledImage);
+}
