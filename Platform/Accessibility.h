@@ -14,8 +14,7 @@ public:
     [[nodiscard]] virtual bool caretAvailable() const = 0;
 
     // Whether carets are going to be asked for; false at first. While they are, the service keeps track of
-    // what has the focus: a program forgets it in the moment a hot key is pressed. Programs that had the
-    // focus before are asked for it the next time they are in front.
+    // what has the focus, which some programs forget in the moment a hot key is pressed.
     virtual void setCaretWanted(bool wanted) = 0;
 
     // Where the caret of the focused text in the front window is, in Qt's logical screen coordinates, y down;

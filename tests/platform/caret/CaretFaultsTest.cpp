@@ -48,7 +48,7 @@ protected:
                      QVariantList{QStringList{AtSpi::text}});
         program->setProperty(u"text"_s, AtSpi::text, u"CaretOffset"_s, 4);
         setFocused({u"text"_s});
-        setCharacters([](int, uint) { return QRect(200, 90, 9, 18); });
+        setCharacters([](int, uint) { return QRectF(200, 90, 9, 18); });
         service = makeService();
         ASSERT_TRUE(waitForBus(*service));
     }
@@ -63,15 +63,16 @@ protected:
     }
 
     // Where the character at an offset is in these coordinates; absent when that is refused.
-    void setCharacters(const std::function<std::optional<QRect>(int offset, uint coordinates)> &place)
+    void setCharacters(const std::function<std::optional<QRectF>(int offset, uint coordinates)> &place)
     {
-        program->set(u"text"_s, AtSpi::text, u"GetCharacterExtents"_s,
-                     [place](const QVariantList &arguments) -> std::optional<QVariantList> {
-                         const auto rect = place(arguments[0].toInt(), arguments[1].toUInt());
-                         if (!rect)
-                             return std::nullopt;
-                         return QVariantList{rect->x(), rect->y(), rect->width(), rect->height()};
-                     });
+        program->set(
+            u"text"_s, AtSpi::text, u"GetCharacterExtents"_s,
+            [place](const QVariantList &arguments) -> std::optional<QVariantList> {
+                const auto rect = place(arguments[0].toInt(), arguments[1].toUInt());
+                if (!rect)
+                    return std::nullopt;
+                return QVariantList{int(rect->x()), int(rect->y()), int(rect->width()), int(rect->height())};
+            });
     }
 
     void setText(const QString &text)
@@ -80,6 +81,22 @@ protected:
             const int start = arguments[0].toInt();
             return std::optional(QVariantList{text.mid(start, arguments[1].toInt() - start)});
         });
+    }
+
+    // What was found in the program at the start is no longer where the focus is.
+    bool moveFocusToButton()
+    {
+        program->tellFocus(u"button"_s);
+        return QTest::qWaitFor([this] { return caret() == std::nullopt; });
+    }
+
+    // An answer may come too late on a busy machine, and then is none; a wrong one stays wrong.
+    ::testing::AssertionResult becomes(const QRectF &place)
+    {
+        std::optional<QRectF> last;
+        if (QTest::qWaitFor([&] { return (last = caret()) == place; }, 3000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << ::testing::PrintToString(last);
     }
 
     std::optional<QRectF> caret() { return askForCaret(*service).caret; }
@@ -92,20 +109,20 @@ protected:
 TEST_F(ScriptedCaret, IsThatOfTheInnermostFocusedObjectWithAText)
 {
     setFocused({u"window"_s, u"text"_s, u"filler"_s});
-    EXPECT_EQ(caret(), QRectF(200, 90, 9, 18));
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
 }
 
 TEST_F(ScriptedCaret, AtAnEndWithoutAPlaceFollowsTheLastCharacter)
 {
     setText(u"abcd"_s);
-    setCharacters([](int offset, uint) { return offset == 3 ? QRect(200, 90, 9, 18) : QRect(); });
-    EXPECT_EQ(caret(), QRectF(209, 90, 0, 18));
+    setCharacters([](int offset, uint) { return offset == 3 ? QRectF(200, 90, 9, 18) : QRectF(); });
+    EXPECT_TRUE(becomes(QRectF(209, 90, 0, 18)));
     setText(u"abc\n"_s);
-    EXPECT_EQ(caret(), QRectF(120, 108, 0, 18)) << "the line below";
-    setCharacters([](int, uint) { return QRect(-1, -1, 0, 0); });
+    EXPECT_TRUE(becomes(QRectF(120, 108, 0, 18))) << "the line below";
+    setCharacters([](int, uint) { return QRectF(-1, -1, 0, 0); });
     EXPECT_EQ(caret(), std::nullopt) << "somewhere in a field of many lines";
     program->setExtents(u"text"_s, QRect(120, 80, 300, 30));
-    EXPECT_EQ(caret(), QRectF(120, 80, 0, 30));
+    EXPECT_TRUE(becomes(QRectF(120, 80, 0, 30)));
 }
 
 TEST_F(ScriptedCaret, OfAToolkitThatCountsFromItsWindowIsOnTheScreen)
@@ -124,41 +141,41 @@ TEST_F(ScriptedCaret, OfAToolkitThatCountsFromItsWindowIsOnTheScreen)
     program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"GTK"_s);
     program->setExtents(u"window"_s, QRect(0, 0, 300, 200)); // half of what the server has
     setCharacters([](int, uint coordinates) {
-        return coordinates == AtSpi::window ? std::optional(QRect(20, 30, 9, 18)) : std::nullopt;
+        return coordinates == AtSpi::window ? std::optional(QRectF(20, 30, 9, 18)) : std::nullopt;
     });
-    EXPECT_EQ(caret(), QRectF(140, 110, 18, 36));
+    EXPECT_TRUE(becomes(QRectF(140, 110, 18, 36)));
 
-    setCharacters([](int, uint) { return std::optional<QRect>(); });
+    setCharacters([](int, uint) { return std::optional<QRectF>(); });
     program->setExtents(u"text"_s, QRect(10, 20, 200, 30));
-    EXPECT_EQ(caret(), QRectF(120, 90, 0, 60)) << "a line of text tells its own place only";
+    EXPECT_TRUE(becomes(QRectF(120, 90, 0, 60))) << "a line of text tells its own place only";
 }
 
 TEST_F(ScriptedCaret, OfAProgramThatFillsItInLaterIsAskedForAgain)
 {
     program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"Gecko"_s);
     setText(u"abcd"_s);
-    int asked = 0;
-    setCharacters([&asked](int, uint) { return ++asked == 1 ? QRect(-1, -1, 0, 0) : QRect(300, 90, 9, 18); });
-    EXPECT_EQ(caret(), QRectF(300, 90, 9, 18));
+    setCharacters([asked = std::make_shared<int>(0)](int, uint) {
+        return ++*asked % 2 == 1 ? QRectF(-1, -1, 0, 0) : QRectF(300, 90, 9, 18);
+    });
+    EXPECT_TRUE(becomes(QRectF(300, 90, 9, 18)));
 }
 
 TEST_F(ScriptedCaret, IsRememberedWhileTheProgramNamesNoFocus)
 {
     setFocused({});
-    EXPECT_EQ(caret(), std::nullopt);
+    ASSERT_TRUE(moveFocusToButton());
     program->tellFocus(u"text"_s);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return caret() == QRectF(200, 90, 9, 18); }));
-    program->tellFocus(u"button"_s);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return caret() == std::nullopt; }));
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
+    EXPECT_TRUE(moveFocusToButton());
 }
 
 TEST_F(ScriptedCaret, OutsideItsWindowIsNone)
 {
-    for (const QRect &place : {QRect(200, 460, 9, 18), QRect(20, 90, 9, 18), QRect(200, 90, 2000, 18),
-                               QRect(200, 90, 9, -18), QRect(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
+    for (const QRectF &place : {QRectF(200, 460, 9, 18), QRectF(20, 90, 9, 18), QRectF(200, 90, 2000, 18),
+                                QRectF(200, 90, 9, -18), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
         setCharacters([place](int, uint) { return place; });
         setText(u"abcd"_s);
-        EXPECT_EQ(caret(), std::nullopt) << ::testing::PrintToString(QRectF(place));
+        EXPECT_EQ(caret(), std::nullopt) << ::testing::PrintToString(place);
     }
 }
 
@@ -190,7 +207,7 @@ TEST_F(ScriptedCaret, IsNotLookedForInATreeWithoutEnd)
         program->setChildren(name, {u"filler"_s, u"filler"_s, u"filler"_s});
         program->setStates(name, {AtSpi::stateShowing});
     }
-    EXPECT_EQ(caret(), std::nullopt); // whatever was asked at the start is over
+    ASSERT_TRUE(moveFocusToButton());
     program->calls = 0;
     const auto answer = askForCaret(*service);
     EXPECT_TRUE(answer.came);
@@ -224,6 +241,17 @@ TEST_F(ScriptedCaret, IsAbsentInTimeWhileTheBusHangsAndTheMainThreadGoesOn)
     }
     bus.goOn();
     EXPECT_TRUE(QTest::qWaitFor([this] { return caret().has_value(); }));
+}
+
+TEST_F(ScriptedCaret, DoesNotKeepTheProgramFromEndingWhileTheBusHangs)
+{
+    bus.stop();
+    service->requestCaretRect([](const auto &) {});
+    QElapsedTimer ending;
+    ending.start();
+    service.reset();
+    EXPECT_LT(ending.elapsed(), 500);
+    bus.goOn();
 }
 
 TEST_F(ScriptedCaret, IsThereAgainAfterTheBusWasStartedAnew)

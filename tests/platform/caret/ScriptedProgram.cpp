@@ -101,6 +101,8 @@ ScriptedProgram::ScriptedProgram()
     qDBusRegisterMetaType<QList<AtSpiCacheItem>>();
     connection.registerService(AtSpi::registryBus);
     connection.registerVirtualObject(QStringLiteral("/org/a11y"), this, QDBusConnection::SubPath);
+    moveToThread(&thread);
+    thread.start();
     setChildren(QStringLiteral("root"), {QStringLiteral("program")}); // the registry's
 }
 
@@ -108,6 +110,8 @@ ScriptedProgram::~ScriptedProgram()
 {
     connection.unregisterObject(QStringLiteral("/org/a11y"), QDBusConnection::UnregisterTree);
     QDBusConnection::disconnectFromBus(QStringLiteral("script"));
+    thread.quit();
+    thread.wait();
 }
 
 AtSpiObject ScriptedProgram::object(const QString &name) const
@@ -117,6 +121,7 @@ AtSpiObject ScriptedProgram::object(const QString &name) const
 
 void ScriptedProgram::set(const QString &name, const QString &interface, const QString &method, Answer answer)
 {
+    const QMutexLocker locker(&mutex);
     answers.insert(keyOf(object(name).path.path(), interface, method), std::move(answer));
 }
 
@@ -174,9 +179,13 @@ bool ScriptedProgram::handleMessage(const QDBusMessage &message, const QDBusConn
     const bool isProperty = message.interface() == properties && arguments.size() == 2;
     const QString interface = isProperty ? arguments[0].toString() : message.interface();
     const QString method = isProperty ? arguments[1].toString() : message.member();
-    const auto scripted = answers.constFind(keyOf(message.path(), interface, method));
     ++calls;
-    const auto answer = scripted == answers.cend() ? std::nullopt : (*scripted)(arguments);
+    Answer scripted;
+    {
+        const QMutexLocker locker(&mutex);
+        scripted = answers.value(keyOf(message.path(), interface, method));
+    }
+    const auto answer = scripted ? scripted(arguments) : std::nullopt;
     return from.send(answer ? message.createReply(*answer)
                             : message.createErrorReply(QDBusError::NotSupported, QStringLiteral("scripted")));
 }

@@ -5,8 +5,11 @@
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <QHash>
+#include <QMutex>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
+#include <atomic>
 #include <functional>
 #include <optional>
 
@@ -33,7 +36,8 @@ Q_DECLARE_METATYPE(AtSpiCacheItem)
 QDBusArgument &operator<<(QDBusArgument &argument, const AtSpiCacheItem &item);
 
 // A program on that bus, and the registry that lists it, which answer with what the test sets. What nothing
-// is set for is refused. In the test's process, answering from its event loop.
+// is set for is refused. In the test's process, on a thread of its own, which the answers that are functions
+// run on.
 class ScriptedProgram : public QDBusVirtualObject {
 public:
     using Answer =
@@ -56,12 +60,14 @@ public:
     // Tells that the object has got the focus.
     void tellFocus(const QString &object);
 
-    int calls = 0;
+    std::atomic<int> calls{0};
 
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 private:
     QDBusConnection connection;
+    QMutex mutex;
     QHash<QString, Answer> answers; // by path, interface and method
+    QThread thread;
 };
