@@ -24,6 +24,7 @@ namespace {
 constexpr qreal panelRadius = 12;
 constexpr int listWidth = 280, previewWidth = 180; // at least
 constexpr int narrowPreview = 60;
+constexpr int dividerWidth = 5;
 constexpr double listShare = 0.55;
 
 QStringList filterLabels()
@@ -44,6 +45,26 @@ protected:
     {
         QPainter(this).fillRect(rect(), Palette::separator(palette()));
     }
+};
+
+// A thin line that is wider to the mouse than to the eye.
+class DividerHandle : public QSplitterHandle {
+public:
+    using QSplitterHandle::QSplitterHandle;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter(this).fillRect(width() / 2, 0, 1, height(), Palette::separator(palette()));
+    }
+};
+
+class DividedViews : public QSplitter {
+public:
+    explicit DividedViews(QWidget *parent) : QSplitter(Qt::Horizontal, parent) { setHandleWidth(dividerWidth); }
+
+protected:
+    QSplitterHandle *createHandle() override { return new DividerHandle(orientation(), this); }
 };
 
 } // namespace
@@ -67,8 +88,7 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipLis
 
     tableView->setMinimumWidth(listWidth);
     previewPane->setMinimumWidth(previewWidth);
-    split = new QSplitter(Qt::Horizontal, this);
-    split->setHandleWidth(1);
+    split = new DividedViews(this);
     split->setChildrenCollapsible(false);
     split->addWidget(tableView);
     split->addWidget(previewPane);

@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -66,18 +67,17 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     return parent != nullptr;
 }
 
-// A rectangle with its corners cut along a circle, pixel by pixel: a polygon of the curve leaves flat
-// corners.
+// A rectangle with its corners cut along a circle, line by line: a region's own ellipse and the polygon of a curve
+// leave flat corners.
 QRegion roundedMask(const QSize &size)
 {
-    const int side = qRound(2 * cornerRadius);
-    const QRect whole(QPoint(0, 0), size);
     const int radius = qRound(cornerRadius);
-    QRegion mask(whole.adjusted(radius, 0, -radius, 0));
-    mask += whole.adjusted(0, radius, 0, -radius);
-    for (const int x : {0, size.width() - side}) {
-        for (const int y : {0, size.height() - side})
-            mask += QRegion(x, y, side, side, QRegion::Ellipse);
+    QRegion mask(0, radius, size.width(), size.height() - 2 * radius);
+    for (int line = 0; line < radius; ++line) {
+        const double height = radius - line - 0.5; // of the line's middle above the circle's
+        const int inset = radius - qRound(std::sqrt(radius * radius - height * height));
+        mask += QRect(inset, line, size.width() - 2 * inset, 1);
+        mask += QRect(inset, size.height() - 1 - line, size.width() - 2 * inset, 1);
     }
     return mask;
 }
