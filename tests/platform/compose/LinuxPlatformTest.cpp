@@ -134,7 +134,8 @@ TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
         const auto platform = makeLinuxPlatform();
         EXPECT_TRUE(platform->defaults && platform->desktopEntries && platform->keyboardLayout &&
                     platform->workspace && platform->pasteboard && platform->hotKeys &&
-                    platform->panelSurface && platform->keyEvents && platform->screens);
+                    platform->panelSurface && platform->keyEvents && platform->screens &&
+                    platform->accessibility);
         EXPECT_FALSE(platform->screens->screens().empty());
         const qint64 before = platform->pasteboard->changeCount();
         const QString plainText = QString::fromUtf16(PasteboardType::plainText);
