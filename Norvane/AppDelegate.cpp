@@ -22,7 +22,7 @@ constexpr int longestWait = 100; // milliseconds that opening the panel waits fo
 } // namespace
 
 AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, const QString &folder)
-    : platform(givenPlatform), prefs(preferences), dataFolder(folder),
+    : platform(givenPlatform), theme(*givenPlatform.appearance), prefs(preferences), dataFolder(folder),
       hotKey(*givenPlatform.hotKeys, *givenPlatform.keyboardLayout)
 {
     trimming.setSingleShot(true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Norvane/ClearDialog.h"
+#include "Norvane/Theme.h"
 #include "Norvane/app/GlobalHotKey.h"
 #include "Platform/Platform.h"
 
@@ -54,6 +55,7 @@ private:
     void explainMissingKeys();
 
     Platform &platform;
+    Theme theme;
     Preferences &prefs;
     QString dataFolder;
     std::unique_ptr<ClipStore> store;

@@ -32,8 +32,19 @@ SearchField::SearchField(Pasteboard &generalPasteboard, ClipIcons &clipIcons, QW
     setFont(Metrics::font(14));
     setTextMargins(scaled(textLeading), 0, scaled(8), 0);
     setDragEnabled(false);
+    applyColours();
+}
+
+// The toolkit's placeholder is half as dark as its text, which is too faint to read.
+void SearchField::applyColours()
+{
     QPalette colours = palette();
+    const QColor faint = Palette::secondary(colours);
+    if (colours.color(QPalette::Base) == QColor(Qt::transparent) &&
+        colours.color(QPalette::PlaceholderText) == faint)
+        return; // setting them again would bring the event that leads here
     colours.setColor(QPalette::Base, Qt::transparent);
+    colours.setColor(QPalette::PlaceholderText, faint);
     setPalette(colours);
 }
 
@@ -65,6 +76,8 @@ void SearchField::pasteText()
 
 bool SearchField::event(QEvent *event)
 {
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         update();
     return QLineEdit::event(event);

@@ -29,6 +29,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void applyColours();
+
     Pasteboard &pasteboard;
     ClipIcons &icons;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Appearance.h"
 #include "Platform/ApplicationInstance.h"
 #include "Platform/DesktopEntries.h"
 #include "Platform/HotKeys.h"
@@ -14,8 +15,8 @@
 
 #include <memory>
 
-// Every service of one desktop. None is null: a desktop that lacks one has one that says so. Members are destroyed
-// in reverse order, so that what uses another stands after it.
+// Every service of one desktop. None is null: a desktop that lacks one has one that says so. Members are
+// destroyed in reverse order, so that what uses another stands after it.
 struct Platform {
     std::unique_ptr<UserDefaults> defaults;
     std::shared_ptr<DesktopEntries> desktopEntries;
@@ -27,4 +28,5 @@ struct Platform {
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Screens> screens;
     std::unique_ptr<StatusItem> statusItem;
+    std::unique_ptr<Appearance> appearance;
 };

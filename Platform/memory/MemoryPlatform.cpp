@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -177,6 +178,12 @@ void MemoryStatusItem::choose(const QString &title) const
     }
 }
 
+void MemoryAppearance::setColorScheme(ColorScheme value)
+{
+    if (std::exchange(scheme, value) != value && onChange)
+        onChange();
+}
+
 MemoryInstance::~MemoryInstance()
 {
     if (room.running == this)
@@ -212,5 +219,6 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->keyEvents = std::make_unique<MemoryKeyEvents>();
     platform->screens = std::make_unique<MemoryScreens>();
     platform->statusItem = std::make_unique<MemoryStatusItem>();
+    platform->appearance = std::make_unique<MemoryAppearance>();
     return platform;
 }

@@ -1,6 +1,7 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include "Platform/linux/compose/AbsentPasteboard.h"
+#include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
@@ -44,5 +45,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->hotKeys = std::move(hotKeys);
     platform->screens = std::make_unique<X11Screens>();
     platform->statusItem = std::make_unique<TrayStatusItem>();
+    platform->appearance = std::make_unique<DBusAppearance>();
     return platform;
 }
