@@ -31,6 +31,7 @@ DBusAppearance::DBusAppearance() : bus(connectToSessionBus(connectionName))
 {
     if (!bus)
         return;
+    qRegisterMetaType<QDBusVariant>(); // or the slot is refused while no message has been sent yet
     bus->connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                  SLOT(settingChanged(QString, QString, QDBusVariant)));
     starts.setConnection(*bus);
