@@ -214,7 +214,7 @@ void PopupPanel::changeEvent(QEvent *event)
 void PopupPanel::applyColours()
 {
     for (QLabel *label : {hintLabel, countLabel}) {
-        QPalette colours = label->palette();
+        QPalette colours;
         colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
         label->setPalette(colours);
     }

@@ -77,7 +77,7 @@ PreviewText::PreviewText(Pasteboard &generalPasteboard, QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     document()->setDocumentMargin(scaled(8));
     setTabChangesFocus(true);
-    QPalette colours = palette();
+    QPalette colours;
     colours.setColor(QPalette::Base, Qt::transparent);
     setPalette(colours);
 }

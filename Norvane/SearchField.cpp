@@ -38,11 +38,11 @@ SearchField::SearchField(Pasteboard &generalPasteboard, ClipIcons &clipIcons, QW
 // The toolkit's placeholder is half as dark as its text, which is too faint to read.
 void SearchField::applyColours()
 {
-    QPalette colours = palette();
-    const QColor faint = Palette::secondary(colours);
-    if (colours.color(QPalette::Base) == QColor(Qt::transparent) &&
-        colours.color(QPalette::PlaceholderText) == faint)
+    const QColor faint = Palette::secondary(palette());
+    if (palette().color(QPalette::Base) == QColor(Qt::transparent) &&
+        palette().color(QPalette::PlaceholderText) == faint)
         return; // setting them again would bring the event that leads here
+    QPalette colours; // only these two: what is copied from palette() would stay as it is now
     colours.setColor(QPalette::Base, Qt::transparent);
     colours.setColor(QPalette::PlaceholderText, faint);
     setPalette(colours);

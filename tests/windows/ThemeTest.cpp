@@ -38,17 +38,21 @@ TEST_F(ThemeTest, FollowsTheDesktopAndGoesBackToItsPalette)
     desktop.setColorScheme(ColorScheme::light); // nobody listens any more
 }
 
-TEST_F(ThemeTest, AnOpenFieldTakesTheNewColours)
+TEST_F(ThemeTest, AFieldTakesTheNewColoursBeforeAndAfterItIsShown)
 {
     const Theme theme(desktop);
     ClipIcons icons{*platform->desktopEntries};
-    SearchField field(*platform->pasteboard, icons, nullptr);
+    QWidget window;
+    SearchField field(*platform->pasteboard, icons, &window);
     for (const auto scheme : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
         desktop.setColorScheme(scheme);
+        window.show();
+        QCoreApplication::processEvents(); // widgets are told from the event loop
         const QPalette colours = field.palette();
         EXPECT_EQ(Palette::isDark(colours), scheme == ColorScheme::dark);
         EXPECT_GE(Palette::contrast(colours.color(QPalette::Text), Palette::field(colours)), 4.5);
         EXPECT_GE(Palette::contrast(colours.color(QPalette::PlaceholderText), Palette::field(colours)), 4.5);
+        EXPECT_EQ(colours.color(QPalette::PlaceholderText), Palette::secondary(colours));
         EXPECT_EQ(colours.color(QPalette::Base), QColor(Qt::transparent));
     }
 }
