@@ -17,6 +17,7 @@ struct Shade {
 constexpr QRgb text = 0xffe8e8e8, faintText = 0xff858585;
 
 // Every role, so that nothing light shines through. Shades of one neutral grey: the content has the colours.
+// Disabled light is the ground of menus, or their disabled rows would have a second, paler outline.
 constexpr std::array<Shade, 21> darkShades{{
     {QPalette::Window, 0xff2b2b2d, 0xff2b2b2d},
     {QPalette::WindowText, text, faintText},
@@ -29,7 +30,7 @@ constexpr std::array<Shade, 21> darkShades{{
     {QPalette::BrightText, 0xffffffff, 0xffffffff},
     {QPalette::ToolTipBase, 0xff3a3a3d, 0xff3a3a3d},
     {QPalette::ToolTipText, text, text},
-    {QPalette::Light, 0xff57575b, 0xff57575b},
+    {QPalette::Light, 0xff57575b, 0xff1f1f21},
     {QPalette::Midlight, 0xff48484c, 0xff48484c},
     {QPalette::Mid, 0xff242426, 0xff242426},
     {QPalette::Dark, 0xff1a1a1c, 0xff1a1a1c},

@@ -35,18 +35,28 @@ constexpr std::array<Copy, 8> copies{{
      "\xd7\x91\xd7\x97\xd7\x93\xd7\xa8 \xd7\x94\xd7\x92\xd7\x93\xd7\x95\xd7\x9c \xd7\x9c\xd7\x99\xd7\x93 "
      "\xd7\x94\xd7\x97\xd7\x9c\xd7\x95\xd7\x9f",
      "Hebrew, longer than the row"},
-    {"\xe4\xbc\x9a\xe8\xad\xb0\xe3\x81\xaf\xe6\x9c\xa8\xe6\x9b\x9c\xe6\x97\xa5\xe3\x81\xa7\xe3\x81\x99",
-     "Japanese"},
+    {"\xe0\xa4\xac\xe0\xa5\x88\xe0\xa4\xa0\xe0\xa4\x95\x20\xe0\xa4\x97\xe0\xa5\x81\xe0\xa4\xb0\xe0\xa5\x81"
+     "\xe0\xa4\xb5\xe0\xa4\xbe\xe0\xa4\xb0\x20\xe0\xa4\x95\xe0\xa5\x8b\x20\xe0\xa4\xb9\xe0\xa5\x88",
+     "Hindi"},
     {"first line\nsecond line\n\tthird line, behind a tab", "lines"},
     {"one more, so that the list must scroll", "a text"},
     {"and another", "a text"},
 }};
+
+constexpr char longName[] = "The Very Long Name of a Program for Designing Doors and Windows and Stairs";
 
 // A history of its own, made once: other steps look at it on other screens.
 void fill(Stage &stage)
 {
     if (!stage.rows().empty())
         return;
+    const Child program({QStringLiteral("xterm"),
+                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-e"),
+                          QStringLiteral("sleep"), QStringLiteral("600")},
+                         {},
+                         {}});
+    const auto window = stage.desktop.awaitWindow({QString::fromLatin1(longName), {}, {}, 0});
+    require(window && stage.desktop.activate(*window), QStringLiteral("no program with a long name"));
     for (const auto &copy : copies)
         stage.copy(copy.text);
     stage.openPanel();
@@ -57,10 +67,10 @@ void fill(Stage &stage)
     stage.copy(samplePicture(), "image/png");
 }
 
-void restart(Stage &stage, const QStringList &variables = {})
+void restart(Stage &stage, const QString &language, const QStringList &variables = {})
 {
     stage.quit();
-    stage.start(QStringLiteral("en"), QStringLiteral("looks"), variables);
+    stage.start(language, QStringLiteral("looks"), variables);
     fill(stage);
 }
 
@@ -99,7 +109,7 @@ void followsTheDesktop(Stage &stage)
 {
     SettingsPortal portal(1);
     require(portal.isOnTheBus(), QStringLiteral("there is a settings portal already"));
-    restart(stage);
+    restart(stage, QStringLiteral("en"));
     stage.openPanel();
     awaitGround(stage, true, "at start");
     stage.keyboard.press(QStringLiteral("Down"));
@@ -121,21 +131,28 @@ void followsTheDesktop(Stage &stage)
     awaitGround(stage, false, "no preference");
 }
 
-void photographScaled(Stage &stage, const QStringList &variables, double scale, const char *name)
+void photographScaled(Stage &stage, const QString &language, const QStringList &variables, double scale,
+                      const QString &name)
 {
-    restart(stage, variables);
+    restart(stage, language, variables);
     const QRect panel = stage.desktop.geometry(stage.openPanel());
     require(panel.width() >= 460 * scale, QStringLiteral("the panel is %1 pixels wide").arg(panel.width()));
-    stage.saveScreenshot(QString::fromLatin1(name));
+    stage.saveScreenshot(name);
     stage.closePanel();
     stage.quit();
 }
 
 void finerScreens(Stage &stage)
 {
-    photographScaled(stage, {}, 1, "panel-scale-1");
-    photographScaled(stage, {QStringLiteral("QT_SCALE_FACTOR=1.5")}, 1.5, "panel-scale-1.5");
-    photographScaled(stage, {QStringLiteral("QT_SCALE_FACTOR=2")}, 2, "panel-scale-2");
+    for (const char *language : {"en", "it"}) {
+        for (const char *factor : {"1", "1.5", "2"}) {
+            const auto name =
+                QStringLiteral("panel-scale-%1-%2").arg(QLatin1String(factor), QLatin1String(language));
+            photographScaled(stage, QString::fromLatin1(language),
+                             {QStringLiteral("QT_SCALE_FACTOR=") + QLatin1String(factor)},
+                             QByteArray(factor).toDouble(), name);
+        }
+    }
 }
 
 } // namespace
