@@ -22,7 +22,7 @@ constexpr int menuDelay = 100;   // milliseconds from a row of the status menu t
 } // namespace
 
 AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, const QString &folder)
-    : platform(givenPlatform), prefs(preferences), dataFolder(folder),
+    : platform(givenPlatform), theme(*givenPlatform.appearance), prefs(preferences), dataFolder(folder),
       hotKey(*givenPlatform.hotKeys, *givenPlatform.keyboardLayout)
 {
     trimming.setSingleShot(true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Norvane/ClearDialog.h"
+#include "Norvane/Theme.h"
 #include "Norvane/app/GlobalHotKey.h"
 #include "Platform/Platform.h"
 
@@ -63,6 +64,7 @@ private:
     void explainMissingKeys();
 
     Platform &platform;
+    Theme theme;
     Preferences &prefs;
     QString dataFolder;
     std::unique_ptr<ClipStore> store;

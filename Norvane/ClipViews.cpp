@@ -4,6 +4,7 @@
 #include "Norvane/ClipTitles.h"
 #include "Norvane/Palette.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -57,11 +58,13 @@ QString scrollBarStyle(const QPalette &palette)
 
 } // namespace
 
-// One line, cut to its frame. Shaping text is most of what a row costs, and the same rows are painted at every
-// opening, so the glyphs are kept.
-void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font) const
+// One line, cut to its frame. Shaping text is most of what a row costs, and the same rows are painted at
+// every opening, so the glyphs are kept.
+void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text,
+                            const QFont &font) const
 {
-    const QString key = QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u' ' + text;
+    const QString key =
+        QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u' ' + text;
     QStaticText *line = lines.object(key);
     if (!line) {
         line = new QStaticText(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
@@ -73,7 +76,8 @@ void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString
         lines.insert(key, line);
     }
     painter->setFont(font);
-    painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2), *line);
+    painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2),
+                            *line);
 }
 
 ClipCellView::ClipCellView(ClipIcons &clipIcons, const ClipListModel &listModel, QObject *parent)
@@ -100,9 +104,8 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
         return;
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const QColor label = selected ? Palette::onAccent(option.palette) : Palette::label(option.palette);
-    QColor secondary = selected ? label : Palette::secondary(option.palette);
-    if (selected)
-        secondary.setAlphaF(0.82F);
+    const QColor secondary =
+        selected ? Palette::secondaryOnAccent(option.palette) : Palette::secondary(option.palette);
     const qreal scale = painter->device()->devicePixelRatioF();
     const QRect row = option.rect.adjusted(scaled(rowInset), 0, -scaled(rowInset), 0);
 
@@ -152,10 +155,10 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
         const int pinSide = scaled(pinWidth);
         const QRect pin(row.right() + 1 - scaled(pinTrailing) - pinSide, row.top() + scaled(pinTop), pinSide,
                         pinSide);
-        drawIcon(
-            painter, pin,
-            icons.symbol(QStringLiteral("pin-fill"), pinSide, selected ? label : Palette::orange(), scale),
-            false);
+        drawIcon(painter, pin,
+                 icons.symbol(QStringLiteral("pin-fill"), pinSide,
+                              selected ? label : Palette::orange(option.palette), scale),
+                 false);
     }
     painter->restore();
 }
@@ -191,6 +194,27 @@ void ClipTableView::selectRow(int row)
     const QModelIndex index = clips.index(std::clamp(row, 0, count - 1));
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
     scrollTo(index, EnsureVisible);
+}
+
+// The list view's own would look for the row in a layout that it was spared.
+void ClipTableView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
+    if (QAccessible::isActive() && !selected.isEmpty()) {
+        QAccessibleEvent event(this, QAccessible::Selection);
+        event.setChild(selected.first().top());
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void ClipTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QAbstractItemView::currentChanged(current, previous); // NOLINT(bugprone-parent-virtual-call)
+    if (QAccessible::isActive() && current.isValid() && hasFocus()) {
+        QAccessibleEvent event(this, QAccessible::Focus);
+        event.setChild(current.row());
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void ClipTableView::measureRows()

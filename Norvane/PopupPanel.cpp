@@ -61,7 +61,10 @@ protected:
 
 class DividedViews : public QSplitter {
 public:
-    explicit DividedViews(QWidget *parent) : QSplitter(Qt::Horizontal, parent) { setHandleWidth(dividerWidth); }
+    explicit DividedViews(QWidget *parent) : QSplitter(Qt::Horizontal, parent)
+    {
+        setHandleWidth(dividerWidth);
+    }
 
 protected:
     QSplitterHandle *createHandle() override { return new DividerHandle(orientation(), this); }
@@ -69,7 +72,8 @@ protected:
 
 } // namespace
 
-PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipListModel &model, ClipIcons &givenIcons)
+PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipListModel &model,
+                       ClipIcons &givenIcons)
     : icons(givenIcons)
 {
     setObjectName(QStringLiteral("history"));
@@ -80,8 +84,9 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipLis
     searchField->setPlaceholderText(L("Cerca negli appunti…"));
     searchField->setAccessibleName(L("Cerca negli appunti…"));
     filterControl = new FilterControl(filterLabels(), this);
+    filterControl->setAccessibleName(L("Filtro"));
     tableView = new ClipTableView(model, icons, this);
-    tableView->setAccessibleName(QStringLiteral("Norvane"));
+    tableView->setAccessibleName(L("Cronologia"));
     previewPane = new PreviewPane(pasteboard, prefs, this);
     hintLabel = new QLabel(this);
     countLabel = new QLabel(this);
@@ -209,7 +214,7 @@ void PopupPanel::changeEvent(QEvent *event)
 void PopupPanel::applyColours()
 {
     for (QLabel *label : {hintLabel, countLabel}) {
-        QPalette colours = label->palette();
+        QPalette colours;
         colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
         label->setPalette(colours);
     }

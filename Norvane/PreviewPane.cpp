@@ -203,7 +203,7 @@ void PreviewPane::changeEvent(QEvent *event)
 
 void PreviewPane::applyColours()
 {
-    QPalette colours = infoLabel->palette();
+    QPalette colours;
     colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
     infoLabel->setPalette(colours);
 }

@@ -38,7 +38,7 @@ class PreviewImage : public QWidget {
     Q_OBJECT
 
 public:
-    using QWidget::QWidget;
+    explicit PreviewImage(QWidget *parent);
 
     void setImage(const QImage &image);
     [[nodiscard]] const QImage &image() const { return image_; }

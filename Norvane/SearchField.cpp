@@ -32,8 +32,19 @@ SearchField::SearchField(Pasteboard &generalPasteboard, ClipIcons &clipIcons, QW
     setFont(Metrics::font(14));
     setTextMargins(scaled(textLeading), 0, scaled(8), 0);
     setDragEnabled(false);
-    QPalette colours = palette();
+    applyColours();
+}
+
+// The toolkit's placeholder is half as dark as its text, which is too faint to read.
+void SearchField::applyColours()
+{
+    const QColor faint = Palette::secondary(palette());
+    if (palette().color(QPalette::Base) == QColor(Qt::transparent) &&
+        palette().color(QPalette::PlaceholderText) == faint)
+        return; // setting them again would bring the event that leads here
+    QPalette colours; // only these two: what is copied from palette() would stay as it is now
     colours.setColor(QPalette::Base, Qt::transparent);
+    colours.setColor(QPalette::PlaceholderText, faint);
     setPalette(colours);
 }
 
@@ -71,6 +82,8 @@ void SearchField::deleteFrom(int position)
 
 bool SearchField::event(QEvent *event)
 {
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         update();
     return QLineEdit::event(event);

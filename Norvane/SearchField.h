@@ -30,6 +30,7 @@ protected:
 
 private:
     void deleteFrom(int position);
+    void applyColours();
 
     Pasteboard &pasteboard;
     ClipIcons &icons;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/Appearance.h"
 #include "Platform/ApplicationInstance.h"
 #include "Platform/DesktopEntries.h"
 #include "Platform/HotKeys.h"
@@ -29,4 +30,5 @@ struct Platform {
     std::unique_ptr<Screens> screens;
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<StatusItem> statusItem;
+    std::unique_ptr<Appearance> appearance;
 };

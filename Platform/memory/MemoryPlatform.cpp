@@ -197,6 +197,12 @@ void MemoryStatusItem::choose(const QString &title) const
     }
 }
 
+void MemoryAppearance::setColorScheme(ColorScheme value)
+{
+    if (std::exchange(scheme, value) != value && onChange)
+        onChange();
+}
+
 MemoryInstance::~MemoryInstance()
 {
     if (room.running == this)
@@ -233,5 +239,6 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->screens = std::make_unique<MemoryScreens>();
     platform->accessibility = std::make_unique<MemoryAccessibility>();
     platform->statusItem = std::make_unique<MemoryStatusItem>();
+    platform->appearance = std::make_unique<MemoryAppearance>();
     return platform;
 }

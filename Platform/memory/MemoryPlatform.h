@@ -171,6 +171,17 @@ public:
     std::optional<QPoint> lastPopUp;
 };
 
+class MemoryAppearance : public Appearance {
+public:
+    [[nodiscard]] ColorScheme colorScheme() const override { return scheme; }
+
+    // The user changes the desktop's setting.
+    void setColorScheme(ColorScheme value);
+
+private:
+    ColorScheme scheme = ColorScheme::noPreference;
+};
+
 // The instances that share a room see each other, as two starts on one desktop do.
 class MemoryInstance : public ApplicationInstance {
 public:

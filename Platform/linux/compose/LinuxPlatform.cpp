@@ -2,6 +2,7 @@
 
 #include "Platform/linux/compose/AbsentPasteboard.h"
 #include "Platform/linux/dbus/AtSpiCaret.h"
+#include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
@@ -61,5 +62,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->hotKeys = std::move(hotKeys);
     platform->screens = std::make_unique<X11Screens>();
     platform->statusItem = std::make_unique<TrayStatusItem>();
+    platform->appearance = std::make_unique<DBusAppearance>();
     return platform;
 }

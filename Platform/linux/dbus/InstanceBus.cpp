@@ -1,8 +1,8 @@
 #include "Platform/linux/dbus/InstanceBus.h"
 
-#include "Platform/linux/dbus/BusProbe.h"
 #include "Platform/linux/dbus/InstanceActions.h"
 #include "Platform/linux/dbus/OpenApplication.h"
+#include "Platform/linux/dbus/SessionBus.h"
 
 #include <QDBusConnectionInterface>
 #include <QTimer>
@@ -17,11 +17,8 @@ const QString objectPath = QStringLiteral("/com/norvane/app");
 std::unique_ptr<InstanceBus> InstanceBus::connect(const QString &displayName)
 {
     static int connections = 0;
-    const QString address = sessionBusAddress();
-    if (address.isEmpty() || !busAnswers(address, instanceAnswerLimit))
-        return nullptr;
-    const auto bus = QDBusConnection::connectToBus(address, QStringLiteral("norvane-%1").arg(++connections));
-    return bus.isConnected() ? std::unique_ptr<InstanceBus>(new InstanceBus(bus, displayName)) : nullptr;
+    const auto bus = connectToSessionBus(QStringLiteral("norvane-%1").arg(++connections));
+    return bus ? std::unique_ptr<InstanceBus>(new InstanceBus(*bus, displayName)) : nullptr;
 }
 
 InstanceBus::InstanceBus(const QDBusConnection &busConnection, const QString &displayName)

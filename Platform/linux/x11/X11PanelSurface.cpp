@@ -11,6 +11,7 @@
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
+#include <xcb/shape.h>
 
 namespace {
 
@@ -67,19 +68,24 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     return parent != nullptr;
 }
 
-// A rectangle with its corners cut along a circle, line by line: a region's own ellipse and the polygon of a curve
-// leave flat corners.
-QRegion roundedMask(const QSize &size)
+// A rectangle with its corners cut along a circle, line by line: a region's own ellipse and the polygon of a
+// curve leave flat corners. In the pixels of the screen.
+std::vector<xcb_rectangle_t> roundedShape(const QSize &size, int radius)
 {
-    const int radius = qRound(cornerRadius);
-    QRegion mask(0, radius, size.width(), size.height() - 2 * radius);
+    std::vector<xcb_rectangle_t> lines;
+    const auto add = [&](int inset, int top, int height) {
+        lines.push_back({static_cast<int16_t>(inset), static_cast<int16_t>(top),
+                         static_cast<uint16_t>(std::max(0, size.width() - 2 * inset)),
+                         static_cast<uint16_t>(std::max(0, height))});
+    };
+    add(0, radius, size.height() - 2 * radius);
     for (int line = 0; line < radius; ++line) {
         const double height = radius - line - 0.5; // of the line's middle above the circle's
         const int inset = radius - qRound(std::sqrt(radius * radius - height * height));
-        mask += QRect(inset, line, size.width() - 2 * inset, 1);
-        mask += QRect(inset, size.height() - 1 - line, size.width() - 2 * inset, 1);
+        add(inset, line, 1);
+        add(inset, size.height() - 1 - line, 1);
     }
-    return mask;
+    return lines;
 }
 
 } // namespace
@@ -199,15 +205,21 @@ void X11PanelSurface::dismiss()
 void X11PanelSurface::shape()
 {
     RememberedWindow *front = workspace.remembered();
-    if (panel->testAttribute(Qt::WA_TranslucentBackground) && front && compositorPresent(front->server())) {
-        panel->clearMask();
-        maskedSize = {};
+    if (front == nullptr)
         return;
+    xcb_connection_t *server = front->server().raw();
+    if (panel->testAttribute(Qt::WA_TranslucentBackground) && compositorPresent(front->server())) {
+        xcb_shape_mask(server, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, nativeWindow(), 0, 0,
+                       XCB_PIXMAP_NONE);
+        shapedSize = {};
+    } else if (const QSize pixels = panel->size() * panel->devicePixelRatioF(); shapedSize != pixels) {
+        shapedSize = pixels;
+        // Not by QWidget::setMask, which cuts in whole points: steps of two pixels on a finer screen.
+        const auto lines = roundedShape(pixels, qRound(cornerRadius * panel->devicePixelRatioF()));
+        xcb_shape_rectangles(server, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED,
+                             nativeWindow(), 0, 0, static_cast<uint32_t>(lines.size()), lines.data());
     }
-    if (maskedSize == panel->size())
-        return;
-    maskedSize = panel->size();
-    panel->setMask(roundedMask(maskedSize));
+    front->server().flush();
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)

@@ -6,8 +6,8 @@
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QSize>
 #include <QPointer>
+#include <QSize>
 #include <QWidget>
 #include <memory>
 #include <optional>
@@ -54,6 +54,6 @@ private:
     quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
-    QSize maskedSize; // of the mask the panel has; invalid for none
+    QSize shapedSize;      // in pixels, that the panel has its corners cut for; invalid for none
     bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
 };
