@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QStringList>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
