@@ -7,6 +7,7 @@
 
 #include <QColor>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -51,8 +52,9 @@ void fill(Stage &stage)
     if (!stage.rows().empty())
         return;
     const Child program({QStringLiteral("xterm"),
-                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-e"),
-                          QStringLiteral("sleep"), QStringLiteral("600")},
+                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-name"),
+                          QString::fromLatin1(longName), QStringLiteral("-e"), QStringLiteral("sleep"),
+                          QStringLiteral("600")},
                          {},
                          {}});
     const auto window = stage.desktop.awaitWindow({QString::fromLatin1(longName), {}, {}, 0});
@@ -131,12 +133,34 @@ void followsTheDesktop(Stage &stage)
     awaitGround(stage, false, "no preference");
 }
 
+// The corner is cut along a circle of 12 points in the pixels of the screen, line by line.
+void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
+{
+    const int radius = qRound(12 * scale);
+    const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
+    const QRgb outside = corner.pixel(0, 0);
+    for (int line = 0; line < radius; ++line) {
+        int inset = 0;
+        while (inset < radius && corner.pixel(inset, line) == outside)
+            ++inset;
+        const double height = radius - line - 0.5;
+        const double circle = radius - std::sqrt(radius * radius - height * height);
+        require(std::abs(inset - circle) <= 0.5,
+                QStringLiteral("scale %1: line %2 of the corner begins at %3, not %4")
+                    .arg(scale)
+                    .arg(line)
+                    .arg(inset)
+                    .arg(circle));
+    }
+}
+
 void photographScaled(Stage &stage, const QString &language, const QStringList &variables, double scale,
                       const QString &name)
 {
     restart(stage, language, variables);
     const QRect panel = stage.desktop.geometry(stage.openPanel());
     require(panel.width() >= 460 * scale, QStringLiteral("the panel is %1 pixels wide").arg(panel.width()));
+    requireRoundCorner(stage, panel, scale);
     stage.saveScreenshot(name);
     stage.closePanel();
     stage.quit();
