@@ -20,7 +20,8 @@ namespace {
 
 constexpr qsizetype charactersShown = 50000;
 constexpr qint64 largeImage = 1'000'000; // pixels: above, decoding takes longer than a frame
-constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4, imageShare = 0.55;
+constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
+                imageShare = 0.55;
 constexpr int longestSide = 4096; // of a decoded preview, pixels
 
 QImage decoded(const QByteArray &bytes)
