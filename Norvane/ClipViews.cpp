@@ -3,6 +3,7 @@
 #include "Norvane/ClipIcons.h"
 #include "Norvane/ClipTitles.h"
 #include "Norvane/Palette.h"
+#include "Norvane/SlimScrollBar.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -38,22 +39,6 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
     }
     painter->drawPixmap(target.toRect(), icon);
     painter->restore();
-}
-
-// A slim bar without buttons: the toolkit's own is as loud as the list itself.
-QString scrollBarStyle(const QPalette &palette)
-{
-    const QColor handle = Palette::secondary(palette);
-    return QStringLiteral(
-               "QScrollBar:vertical { background: transparent; border: none; width: 11px; margin: 2px; }"
-               "QScrollBar::handle:vertical { background: rgba(%1, %2, %3, 45%); border-radius: 3px;"
-               " min-height: 28px; }"
-               "QScrollBar::handle:vertical:hover { background: rgba(%1, %2, %3, 80%); }"
-               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
-               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
-        .arg(handle.red())
-        .arg(handle.green())
-        .arg(handle.blue());
 }
 
 } // namespace
@@ -176,7 +161,7 @@ ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *pa
     setContextMenuPolicy(Qt::NoContextMenu);
     setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
+    setVerticalScrollBar(new SlimScrollBar(this));
     connect(&icons, &ClipIcons::iconsChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -370,13 +355,6 @@ void ClipTableView::resizeEvent(QResizeEvent *event)
     QAbstractItemView::resizeEvent(
         event); // NOLINT(bugprone-parent-virtual-call): the list view would lay out every row
     updateGeometries();
-}
-
-void ClipTableView::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::PaletteChange)
-        verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
-    QListView::changeEvent(event);
 }
 
 void ClipTableView::keyPressEvent(QKeyEvent *event)

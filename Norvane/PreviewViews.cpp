@@ -2,6 +2,7 @@
 
 #include "Norvane/Palette.h"
 #include "Norvane/PreviewPane.h"
+#include "Norvane/SlimScrollBar.h"
 #include "Platform/Pasteboard.h"
 #include "Vesmo/Localisation.h"
 
@@ -75,6 +76,7 @@ PreviewText::PreviewText(Pasteboard &generalPasteboard, QWidget *parent)
     setFrameShape(NoFrame);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new SlimScrollBar(this));
     document()->setDocumentMargin(scaled(8));
     setTabChangesFocus(true);
     QPalette colours;

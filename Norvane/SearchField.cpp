@@ -41,7 +41,7 @@ void SearchField::applyColours()
     const QColor faint = Palette::secondary(palette());
     if (palette().color(QPalette::Base) == QColor(Qt::transparent) &&
         palette().color(QPalette::PlaceholderText) == faint)
-        return; // setting them again would bring the event that leads here
+        return;       // setting them again would bring the event that leads here
     QPalette colours; // only these two: what is copied from palette() would stay as it is now
     colours.setColor(QPalette::Base, Qt::transparent);
     colours.setColor(QPalette::PlaceholderText, faint);

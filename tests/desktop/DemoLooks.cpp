@@ -6,7 +6,10 @@
 #include "tests/support/SettingsPortal.h"
 
 #include <QColor>
+#include <QFile>
+#include <QStandardPaths>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -40,7 +43,10 @@ constexpr std::array<Copy, 8> copies{{
      "Hindi"},
     {"first line\nsecond line\n\tthird line, behind a tab", "lines"},
     {"one more, so that the list must scroll", "a text"},
-    {"and another", "a text"},
+    {"and another, longer than the preview is "
+     "high\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15\n16\n17\n18\n19\n20\n21\n22\n"
+     "23\n24\n25\n26\n27\n28\n29\n30\n31\n32\n33\n34\n35\n36",
+     "lines"},
 }};
 
 constexpr char longName[] = "The Very Long Name of a Program for Designing Doors and Windows and Stairs";
@@ -50,9 +56,13 @@ void fill(Stage &stage)
 {
     if (!stage.rows().empty())
         return;
-    const Child program({QStringLiteral("xterm"),
-                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-e"),
-                          QStringLiteral("sleep"), QStringLiteral("600")},
+    // A copy of the terminal, which no desktop entry names: its window class is then its name.
+    const QString terminal = stage.scratchFile(QStringLiteral("terminal"));
+    require(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("xterm")), terminal),
+            QStringLiteral("no copy of xterm"));
+    const Child program({terminal,
+                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-name"),
+                          QString::fromLatin1(longName), QStringLiteral("-e"), QStringLiteral("cat")},
                          {},
                          {}});
     const auto window = stage.desktop.awaitWindow({QString::fromLatin1(longName), {}, {}, 0});
@@ -96,13 +106,31 @@ void awaitGround(const Stage &stage, bool dark, const char *when)
         QStringLiteral("%1: the panel's lightness is %2").arg(QString::fromLatin1(when)).arg(ground(stage)));
 }
 
-void clickInField(const Stage &stage)
+void awaitMenu(const Stage &stage)
+{
+    require(stage.desktop.awaitWindow({QStringLiteral("norvane"), {}, true, 40}).has_value(),
+            QStringLiteral("no menu opened"));
+}
+
+void openFieldMenu(const Stage &stage)
 {
     const auto panel = stage.panel();
     require(panel.has_value(), QStringLiteral("no panel is open"));
     stage.keyboard.click(stage.desktop.geometry(*panel).topLeft() + QPoint(120, 25), 1, 3);
-    require(stage.desktop.awaitWindow({QStringLiteral("norvane"), {}, true, 40}).has_value(),
-            QStringLiteral("no menu opened"));
+    awaitMenu(stage);
+}
+
+void openStatusMenu(const Stage &stage)
+{
+    std::optional<Accessible> program; // the accessibility bus may be starting
+    require(stage.desktop.waitFor(
+                [&] { return (program = Accessible::application(stage.norvane().pid())).has_value(); }),
+            QStringLiteral("Norvane is not on the accessibility bus"));
+    const auto button = program->find([](const Accessible &part) {
+        return part.role() == QLatin1String("push button") && part.is(Accessible::State::showing);
+    });
+    require(button && button->press(), QStringLiteral("the menu button cannot be pressed"));
+    awaitMenu(stage);
 }
 
 void followsTheDesktop(Stage &stage)
@@ -114,6 +142,9 @@ void followsTheDesktop(Stage &stage)
     awaitGround(stage, true, "at start");
     stage.keyboard.press(QStringLiteral("Down"));
     stage.saveScreenshot(QStringLiteral("panel-dark"));
+    openStatusMenu(stage);
+    stage.saveScreenshot(QStringLiteral("panel-dark-status-menu"));
+    stage.keyboard.press(QStringLiteral("Esc"));
     portal.change(2);
     awaitGround(stage, false, "light while it is open");
     stage.saveScreenshot(QStringLiteral("panel-dark-to-light"));
@@ -122,7 +153,7 @@ void followsTheDesktop(Stage &stage)
     stage.saveScreenshot(QStringLiteral("panel-light-to-dark"));
     stage.keyboard.type(QStringLiteral("the"));
     stage.saveScreenshot(QStringLiteral("panel-dark-query"));
-    clickInField(stage);
+    openFieldMenu(stage);
     stage.saveScreenshot(QStringLiteral("panel-dark-menu"));
     stage.keyboard.press(QStringLiteral("Esc"));
     stage.closePanel();
@@ -131,12 +162,34 @@ void followsTheDesktop(Stage &stage)
     awaitGround(stage, false, "no preference");
 }
 
+// The corner is cut along a circle of 12 points in the pixels of the screen, line by line.
+void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
+{
+    const int radius = qRound(12 * scale);
+    const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
+    const QRgb outside = corner.pixel(0, 0);
+    for (int line = 0; line < radius; ++line) {
+        int inset = 0;
+        while (inset < radius && corner.pixel(inset, line) == outside)
+            ++inset;
+        const double height = radius - line - 0.5;
+        const double circle = radius - std::sqrt(radius * radius - height * height);
+        require(std::abs(inset - circle) <= 0.5,
+                QStringLiteral("scale %1: line %2 of the corner begins at %3, not %4")
+                    .arg(scale)
+                    .arg(line)
+                    .arg(inset)
+                    .arg(circle));
+    }
+}
+
 void photographScaled(Stage &stage, const QString &language, const QStringList &variables, double scale,
                       const QString &name)
 {
     restart(stage, language, variables);
     const QRect panel = stage.desktop.geometry(stage.openPanel());
     require(panel.width() >= 460 * scale, QStringLiteral("the panel is %1 pixels wide").arg(panel.width()));
+    requireRoundCorner(stage, panel, scale);
     stage.saveScreenshot(name);
     stage.closePanel();
     stage.quit();

@@ -3,9 +3,11 @@
 #include "Norvane/ClipIcons.h"
 #include "Norvane/Palette.h"
 #include "Norvane/SearchField.h"
+#include "Norvane/SlimScrollBar.h"
 #include "Platform/memory/MemoryPlatform.h"
 
 #include <QApplication>
+#include <QScrollArea>
 #include <gtest/gtest.h>
 
 namespace {
@@ -54,6 +56,28 @@ TEST_F(ThemeTest, AFieldTakesTheNewColoursBeforeAndAfterItIsShown)
         EXPECT_GE(Palette::contrast(colours.color(QPalette::PlaceholderText), Palette::field(colours)), 4.5);
         EXPECT_EQ(colours.color(QPalette::PlaceholderText), Palette::secondary(colours));
         EXPECT_EQ(colours.color(QPalette::Base), QColor(Qt::transparent));
+    }
+}
+
+TEST_F(ThemeTest, AScrollBarTakesTheNewColours)
+{
+    const Theme theme(desktop);
+    QScrollArea area;
+    area.setVerticalScrollBar(new SlimScrollBar(&area));
+    area.setWidget(new QWidget);
+    area.widget()->resize(100, 1000);
+    area.resize(200, 200);
+    area.show();
+    QScrollBar &bar = *area.verticalScrollBar();
+    for (const auto scheme : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
+        desktop.setColorScheme(scheme);
+        QCoreApplication::processEvents();
+        const QPalette colours = QApplication::palette();
+        QImage painted(bar.size(), QImage::Format_RGB32);
+        painted.fill(colours.color(QPalette::Window));
+        bar.render(&painted, {}, {}, QWidget::DrawChildren);
+        EXPECT_GE(Palette::contrast(painted.pixelColor(5, 20), colours.color(QPalette::Window)), 1.8)
+            << "the handle cannot be told from the ground";
     }
 }
 
