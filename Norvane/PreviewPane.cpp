@@ -20,7 +20,7 @@ namespace {
 
 constexpr qsizetype charactersShown = 50000;
 constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one character with endless marks
-constexpr qint64 largeImage = 1'000'000; // pixels: above, decoding takes longer than a frame
+constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
 constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
                 imageShare = 0.55;
 constexpr int longestSide = 4096; // of a decoded preview, pixels
