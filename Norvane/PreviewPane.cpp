@@ -19,7 +19,8 @@ using Metrics::scaled;
 namespace {
 
 constexpr qsizetype charactersShown = 50000;
-constexpr qint64 largeImage = 1'000'000; // pixels: above, decoding takes longer than a frame
+constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one character with endless marks
+constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
 constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
                 imageShare = 0.55;
 constexpr int longestSide = 4096; // of a decoded preview, pixels
@@ -143,7 +144,7 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
 
 QStringList PreviewPane::showText(const Clip &clip)
 {
-    const qsizetype shown = lengthOfClusters(clip.text, charactersShown);
+    const qsizetype shown = lengthOfClusters(QStringView(clip.text).left(unitsShown), charactersShown);
     QFont font = Metrics::font(12);
     font.setFamilies({QStringLiteral("monospace")});
     font.setStyleHint(QFont::Monospace);

@@ -145,6 +145,7 @@ void PasteboardThread::run()
     while (!stopping && !x->isGone()) {
         runTasks();
         const bool more = handleEvents(eventsInOneGo);
+        runTasks(); // a copy is read by the policy that was set before it was made
         const TimePoint now = Clock::now();
         server.advance(now);
         watch.advance(now);
