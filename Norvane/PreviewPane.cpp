@@ -114,7 +114,7 @@ QStringList PreviewPane::showImage(const Clip &clip, const ClipStore &store)
         return parts;
     }
     arrange(Arrangement::imageOnly);
-    if (!clip.recognizedText && prefs.recognizeText())
+    if (!clip.recognizedText && readsImages && prefs.recognizeText())
         parts << L("lettura del testo…");
     return parts;
 }
