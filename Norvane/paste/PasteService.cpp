@@ -52,9 +52,15 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
     const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
     switch (mode) {
     case PasteMode::paste:
-    case PasteMode::copy:
-        writeFormats(services.store.formats(*clip), services.pasteboard);
+    case PasteMode::copy: {
+        const auto formats = services.store.formats(*clip);
+        if (formats.empty() && clip->size > 0) { // unreadable: what the user has on the pasteboard stays there
+            services.workspace.beep(nullptr);
+            return;
+        }
+        writeFormats(formats, services.pasteboard);
         break;
+    }
     case PasteMode::plain:
     case PasteMode::copyText:
         writeText(plainTextOf(*clip, services.store), services.pasteboard);
