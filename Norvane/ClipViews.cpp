@@ -49,17 +49,17 @@ void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString
                             const QFont &font) const
 {
     const QString key =
-        QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u' ' + text;
-    QStaticText *line = lines.object(key);
-    if (!line) {
-        line = new QStaticText(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
-        line->setTextFormat(Qt::PlainText);
+        QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u'@' + QString::number(font.pixelSize()) + u' ' + text;
+    if (!lines.contains(key)) {
+        auto made = std::make_unique<QStaticText>(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
+        made->setTextFormat(Qt::PlainText);
         QTextOption option;
         option.setWrapMode(QTextOption::NoWrap);
-        line->setTextOption(option);
-        line->prepare(painter->transform(), font);
-        lines.insert(key, line);
+        made->setTextOption(option);
+        made->prepare(painter->transform(), font);
+        lines.insert(key, made.release());
     }
+    const QStaticText *line = lines.object(key);
     painter->setFont(font);
     painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2),
                             *line);
@@ -278,7 +278,7 @@ QModelIndex ClipTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 {
     const int row = currentIndex().row();
     const int last = clips.rowCount() - 1;
-    int target = row;
+    int target = row; // NOLINT(clang-analyzer-deadcode.DeadStores): for an action that is none of these
     switch (action) {
     case MoveUp:
     case MovePrevious:

@@ -4,6 +4,7 @@
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
 #include "Norvane/Palette.h"
+#include "Norvane/PanelEdges.h"
 #include "Norvane/PanelPlacement.h"
 #include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
@@ -38,7 +39,11 @@ QStringList filterLabels()
 // A one-pixel line across the panel.
 class Separator : public QWidget {
 public:
-    explicit Separator(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+    explicit Separator(QWidget *parent) : QWidget(parent)
+    {
+        setFixedHeight(1);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -139,6 +144,7 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipLis
     for (QObject *view : {static_cast<QObject *>(searchField), static_cast<QObject *>(tableView),
                           static_cast<QObject *>(&previewPane->text())})
         view->installEventFilter(this);
+    new PanelEdges(this);
     applyColours();
 }
 
@@ -190,9 +196,18 @@ void PopupPanel::keyPressEvent(QKeyEvent *event)
 
 void PopupPanel::paintEvent(QPaintEvent *)
 {
+    const QColor background = palette().color(QPalette::Active, QPalette::Window);
+    const bool drawsCorners = testAttribute(Qt::WA_TranslucentBackground) && mask().isEmpty();
     QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Active, QPalette::Window));
+    if (!drawsCorners)
+        painter.fillRect(rect(), background);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (drawsCorners) { // the whole area first: the line is translucent, and half of it lies outside its
+                        // middle
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(background);
+        painter.drawRoundedRect(rect(), panelRadius, panelRadius);
+    }
     painter.setPen(Palette::separator(palette()));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), panelRadius, panelRadius);

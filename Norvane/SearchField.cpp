@@ -74,6 +74,12 @@ void SearchField::pasteText()
     });
 }
 
+void SearchField::deleteFrom(int position)
+{
+    setSelection(position, static_cast<int>(text().size()) - position);
+    insert(QString());
+}
+
 bool SearchField::event(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange)
@@ -91,6 +97,11 @@ void SearchField::keyPressEvent(QKeyEvent *event)
         cutSelection();
     else if (event->matches(QKeySequence::Paste))
         pasteText();
+    else if (event->matches(
+                 QKeySequence::DeleteEndOfLine)) // what the toolkit deletes, it puts on the clipboard
+        deleteFrom(cursorPosition());
+    else if (event->matches(QKeySequence::DeleteCompleteLine))
+        deleteFrom(0);
     else if (!pastesPrimary(event))
         QLineEdit::keyPressEvent(event);
 }
@@ -101,10 +112,10 @@ void SearchField::mousePressEvent(QMouseEvent *event)
         QLineEdit::mousePressEvent(event);
 }
 
+// The toolkit does nothing here but own or paste the primary selection.
 void SearchField::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::MiddleButton)
-        QLineEdit::mouseReleaseEvent(event);
+    event->accept();
 }
 
 void SearchField::contextMenuEvent(QContextMenuEvent *event)

@@ -11,6 +11,8 @@ public:
     virtual ~PanelSurface() = default;
 
     // Makes the widget the panel: sets its window flags. Once, before it is first shown; the widget outlives this.
+    // Where it ends up with Qt::WA_TranslucentBackground and no mask, it has to draw its own rounded corners and
+    // leave what lies beyond them untouched; with a mask they are cut.
     virtual void adopt(QWidget *panel) = 0;
 
     // Places (Qt's logical coordinates, y down), shows and raises the panel and gives it the keyboard. What had

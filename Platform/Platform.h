@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Accessibility.h"
 #include "Platform/Appearance.h"
 #include "Platform/ApplicationInstance.h"
 #include "Platform/DesktopEntries.h"
@@ -27,6 +28,7 @@ struct Platform {
     std::unique_ptr<PanelSurface> panelSurface;
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Screens> screens;
+    std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Appearance> appearance;
 };

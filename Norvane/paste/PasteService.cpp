@@ -38,6 +38,7 @@ void writeFormats(const std::vector<ClipFormat> &formats, Pasteboard &pasteboard
     for (const auto &format : formats)
         itemsByNumber[format.item].representations.push_back({format.type, format.data});
     std::vector<PasteboardItem> items;
+    items.reserve(itemsByNumber.size());
     for (auto &[number, item] : itemsByNumber)
         items.push_back(std::move(item));
     pasteboard.write(std::move(items));
@@ -47,7 +48,8 @@ PasteService::PasteService(const Services &desktop) : services(desktop) {}
 
 void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
 {
-    const ClipPointer clip = chosen; // the list that `chosen` stands in changes below
+    // The list that `chosen` stands in changes below.
+    const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
     switch (mode) {
     case PasteMode::paste:
     case PasteMode::copy:

@@ -2,6 +2,7 @@
 
 #include "Platform/KeyCodes.h"
 
+#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -155,6 +156,24 @@ void MemoryPanelSurface::requestDismissal() const
         onDismissRequest();
 }
 
+void MemoryAccessibility::requestCaretRect(std::function<void(std::optional<QRectF>)> callback)
+{
+    pending = std::move(callback);
+    const int number = ++requestCount;
+    if (manner != Manner::prompt)
+        return;
+    QTimer::singleShot(0, &context, [this, number] {
+        if (number == requestCount)
+            answer();
+    });
+}
+
+void MemoryAccessibility::answer()
+{
+    if (const auto callback = std::exchange(pending, nullptr))
+        callback(caret);
+}
+
 void MemoryStatusItem::setTray(bool present)
 {
     const bool before = isAvailable();
@@ -218,6 +237,7 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->panelSurface = std::make_unique<MemoryPanelSurface>();
     platform->keyEvents = std::make_unique<MemoryKeyEvents>();
     platform->screens = std::make_unique<MemoryScreens>();
+    platform->accessibility = std::make_unique<MemoryAccessibility>();
     platform->statusItem = std::make_unique<MemoryStatusItem>();
     platform->appearance = std::make_unique<MemoryAppearance>();
     return platform;

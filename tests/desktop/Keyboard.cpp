@@ -144,3 +144,14 @@ void Keyboard::click(QPoint where, int times, uint8_t button) const
     }
     finish();
 }
+
+void Keyboard::drag(QPoint from, QPoint to) const
+{
+    constexpr int steps = 4;
+    point(from);
+    fake(XCB_BUTTON_PRESS, 1);
+    for (int step = 1; step <= steps; ++step)
+        point(from + (to - from) * step / steps);
+    fake(XCB_BUTTON_RELEASE, 1);
+    finish();
+}

@@ -23,6 +23,9 @@ public:
     // Clicks a button (1: the left, 3: the right one) at a point of the root window, `times` in a row.
     void click(QPoint where, int times = 1, uint8_t button = 1) const;
 
+    // Presses the left button at one point of the root window and releases it at another, in a few steps.
+    void drag(QPoint from, QPoint to) const;
+
     // Moves the pointer there.
     void point(QPoint where) const;
 

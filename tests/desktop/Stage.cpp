@@ -176,6 +176,12 @@ QString Stage::searchName() const
     return field ? field->name() : QString();
 }
 
+bool Stage::searchHasFocus() const
+{
+    const auto field = searchField();
+    return field && field->is(Accessible::State::focused);
+}
+
 QStringList Stage::listed() const
 {
     QStringList names;

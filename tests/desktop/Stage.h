@@ -72,6 +72,7 @@ public:
     // What the panel says to a screen reader.
     [[nodiscard]] QString searchText() const;
     [[nodiscard]] QString searchName() const;
+    [[nodiscard]] bool searchHasFocus() const;
     [[nodiscard]] QStringList listed() const;
     [[nodiscard]] QString countText() const;
     void awaitListed(qsizetype count, const QString &when) const;

@@ -67,6 +67,9 @@ TEST_F(PreviewPaneTest, InformationSaysWhatIsShown)
     EXPECT_TRUE(pane.information().startsWith(u"Testo · 4 caratteri · 3 righe · "_s)) << pane.information().toStdString();
     pane.show(addText(u"una riga"_s), store);
     EXPECT_TRUE(pane.information().contains(u"1 riga"_s));
+    pane.show(addImage(30, 20), store);
+    EXPECT_FALSE(pane.information().contains(u"lettura"_s)) << "nothing here reads images";
+    pane.setReadsImages(true);
     pane.show(addImage(40, 20), store);
     EXPECT_TRUE(pane.information().startsWith(u"Immagine · 40×20 px · "_s)) << pane.information().toStdString();
     EXPECT_TRUE(pane.information().contains(u"lettura del testo…"_s));

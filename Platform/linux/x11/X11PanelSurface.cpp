@@ -10,12 +10,9 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
-#include <cmath>
-#include <xcb/shape.h>
 
 namespace {
 
-constexpr double cornerRadius = 12; // points
 // Milliseconds.
 constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
 constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
@@ -31,14 +28,6 @@ void awaitQtRequests()
     xcb_connection_t *connection = native->connection();
     const XcbReply<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
-
-bool compositorPresent(const XcbConnection &connection)
-{
-    const XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection.raw(), xcb_get_selection_owner(connection.raw(), connection.atom("_NET_WM_CM_S0")),
-        nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 // Qt names windows after the executable and the application; the panel's name must not depend on either.
@@ -66,26 +55,6 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
     while (parent != nullptr && parent != panel)
         parent = parent->parent();
     return parent != nullptr;
-}
-
-// A rectangle with its corners cut along a circle, line by line: a region's own ellipse and the polygon of a
-// curve leave flat corners. In the pixels of the screen.
-std::vector<xcb_rectangle_t> roundedShape(const QSize &size, int radius)
-{
-    std::vector<xcb_rectangle_t> lines;
-    const auto add = [&](int inset, int top, int height) {
-        lines.push_back({static_cast<int16_t>(inset), static_cast<int16_t>(top),
-                         static_cast<uint16_t>(std::max(0, size.width() - 2 * inset)),
-                         static_cast<uint16_t>(std::max(0, height))});
-    };
-    add(0, radius, size.height() - 2 * radius);
-    for (int line = 0; line < radius; ++line) {
-        const double height = radius - line - 0.5; // of the line's middle above the circle's
-        const int inset = radius - qRound(std::sqrt(radius * radius - height * height));
-        add(inset, line, 1);
-        add(inset, size.height() - 1 - line, 1);
-    }
-    return lines;
 }
 
 } // namespace
@@ -120,6 +89,7 @@ void X11PanelSurface::adopt(QWidget *widget)
     panel = widget;
     panel->setWindowFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::BypassWindowManagerHint |
                           Qt::WindowStaysOnTopHint);
+    shape.adopt(panel);
     panel->winId(); // made now, so that the first press finds it ready
     if (RememberedWindow *front = workspace.remembered()) {
         awaitQtRequests();
@@ -144,7 +114,7 @@ void X11PanelSurface::present(const QRect &geometry)
         focus->remember(nativeWindow());
     }
     panel->setGeometry(geometry);
-    shape();
+    shape.update();
     showAndTakeKeyboard();
     if (!presented) {
         presented = true;
@@ -202,26 +172,6 @@ void X11PanelSurface::dismiss()
     hotKeys.releaseKeyboard();
 }
 
-void X11PanelSurface::shape()
-{
-    RememberedWindow *front = workspace.remembered();
-    if (front == nullptr)
-        return;
-    xcb_connection_t *server = front->server().raw();
-    if (panel->testAttribute(Qt::WA_TranslucentBackground) && compositorPresent(front->server())) {
-        xcb_shape_mask(server, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, nativeWindow(), 0, 0,
-                       XCB_PIXMAP_NONE);
-        shapedSize = {};
-    } else if (const QSize pixels = panel->size() * panel->devicePixelRatioF(); shapedSize != pixels) {
-        shapedSize = pixels;
-        // Not by QWidget::setMask, which cuts in whole points: steps of two pixels on a finer screen.
-        const auto lines = roundedShape(pixels, qRound(cornerRadius * panel->devicePixelRatioF()));
-        xcb_shape_rectangles(server, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED,
-                             nativeWindow(), 0, 0, static_cast<uint32_t>(lines.size()), lines.data());
-    }
-    front->server().flush();
-}
-
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
@@ -231,7 +181,7 @@ bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (window == panel) {
         if (event->type() == QEvent::Resize)
-            shape();
+            shape.update();
         if (event->type() == QEvent::WindowDeactivate)
             QTimer::singleShot(0, this, &X11PanelSurface::whenDeactivated);
         return false;

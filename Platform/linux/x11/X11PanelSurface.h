@@ -2,6 +2,7 @@
 
 #include "Platform/PanelSurface.h"
 #include "Platform/linux/x11/PanelFocus.h"
+#include "Platform/linux/x11/PanelShape.h"
 #include "Platform/linux/x11/RawClicks.h"
 
 #include <QElapsedTimer>
@@ -34,7 +35,6 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void shape();
     void showAndTakeKeyboard();
     void takeKeyboardByGrab();
     void retakeFocus();
@@ -48,12 +48,12 @@ private:
     X11HotKeys &hotKeys;
     X11Workspace &workspace;
     QPointer<QWidget> panel;
+    PanelShape shape;
     RawClicks clicks;
     std::unique_ptr<PanelFocus> focus;  // null without an X server
     std::optional<quint32> dismissTime; // of the click that closes the panel
     quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
-    QSize shapedSize;      // in pixels, that the panel has its corners cut for; invalid for none
     bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
 };

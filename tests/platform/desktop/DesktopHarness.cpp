@@ -127,6 +127,23 @@ Neighbour::~Neighbour()
         process.kill();
 }
 
+QPoint Neighbour::middle() const
+{
+    Hand hand;
+    xcb_connection_t *connection = hand.server().raw();
+    const XcbReply<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    if (!size)
+        return {};
+    const XcbReply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(connection,
+                                        xcb_translate_coordinates(connection, window, hand.server().root(),
+                                                                  static_cast<int16_t>(size->width / 2),
+                                                                  static_cast<int16_t>(size->height / 2)),
+                                        nullptr));
+    return place ? QPoint(place->dst_x, place->dst_y) : QPoint();
+}
+
 void Neighbour::kill()
 {
     process.kill();
