@@ -352,8 +352,8 @@ void ClipTableView::paintEvent(QPaintEvent *event)
 
 void ClipTableView::resizeEvent(QResizeEvent *event)
 {
-    QAbstractItemView::resizeEvent(
-        event); // NOLINT(bugprone-parent-virtual-call): the list view would lay out every row
+    // The list view would lay out every row.
+    QAbstractItemView::resizeEvent(event); // NOLINT(bugprone-parent-virtual-call)
     updateGeometries();
 }
 

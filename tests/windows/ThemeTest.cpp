@@ -50,7 +50,7 @@ TEST_F(ThemeTest, AFieldTakesTheNewColoursBeforeAndAfterItIsShown)
         desktop.setColorScheme(scheme);
         window.show();
         QCoreApplication::processEvents(); // widgets are told from the event loop
-        const QPalette colours = field.palette();
+        const QPalette &colours = field.palette();
         EXPECT_EQ(Palette::isDark(colours), scheme == ColorScheme::dark);
         EXPECT_GE(Palette::contrast(colours.color(QPalette::Text), Palette::field(colours)), 4.5);
         EXPECT_GE(Palette::contrast(colours.color(QPalette::PlaceholderText), Palette::field(colours)), 4.5);
