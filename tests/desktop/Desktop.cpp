@@ -15,6 +15,7 @@ using Owned = std::unique_ptr<Reply, Free>;
 
 constexpr int treeDepth = 3; // a client stands at most two frames below the root
 constexpr std::chrono::milliseconds lookAgain{10};
+constexpr std::chrono::milliseconds byItself{300}; // a window manager activates what has just been opened
 
 using Clock = std::chrono::steady_clock;
 
@@ -125,6 +126,10 @@ bool Desktop::activate(xcb_window_t window) const
         xcb_set_input_focus(xcb, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
         return waitFor([&] { return hasKeyboard(window); });
     }
+    const auto isActive = [&] { return activeWindow() == window && hasKeyboard(window); };
+    // A new window becomes active by itself. Asking as well would make it so a second time, at any moment later.
+    if (waitFor(isActive, byItself))
+        return true;
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
@@ -135,7 +140,7 @@ bool Desktop::activate(xcb_window_t window) const
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&message));
     xcb_flush(xcb);
-    return waitFor([&] { return activeWindow() == window && hasKeyboard(window); });
+    return waitFor(isActive);
 }
 
 bool Desktop::hasKeyboard(xcb_window_t window) const
