@@ -48,10 +48,11 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
 void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text,
                             const QFont &font) const
 {
-    const QString key =
-        QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u'@' + QString::number(font.pixelSize()) + u' ' + text;
+    const QString key = QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u'@' +
+                        QString::number(font.pixelSize()) + u' ' + text;
     if (!lines.contains(key)) {
-        auto made = std::make_unique<QStaticText>(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
+        auto made =
+            std::make_unique<QStaticText>(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
         made->setTextFormat(Qt::PlainText);
         QTextOption option;
         option.setWrapMode(QTextOption::NoWrap);

@@ -54,7 +54,8 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
     case PasteMode::paste:
     case PasteMode::copy: {
         const auto formats = services.store.formats(*clip);
-        if (formats.empty() && clip->size > 0) { // unreadable: what the user has on the pasteboard stays there
+        if (formats.empty() &&
+            clip->size > 0) { // unreadable: what the user has on the pasteboard stays there
             services.workspace.beep(nullptr);
             return;
         }

@@ -74,6 +74,6 @@ void PanelShape::setShape(quint8 kind, const QRegion &region) const
     for (const QRect &part : region)
         rectangles.push_back({static_cast<int16_t>(part.x()), static_cast<int16_t>(part.y()),
                               static_cast<uint16_t>(part.width()), static_cast<uint16_t>(part.height())});
-    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window,
-                         0, 0, static_cast<uint32_t>(rectangles.size()), rectangles.data());
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+                         static_cast<uint32_t>(rectangles.size()), rectangles.data());
 }

@@ -155,8 +155,8 @@ void PasteboardThread::run()
     end();
 }
 
-// Before each change of the owner too: a copy made after the policy was set must not be read by the one before it,
-// though the event may be here before the task.
+// Before each change of the owner too: a copy made after the policy was set must not be read by the one
+// before it, though the event may be here before the task.
 void PasteboardThread::applyPolicy()
 {
     std::optional<PasteboardPolicy> policy;
