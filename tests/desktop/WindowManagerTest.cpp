@@ -194,6 +194,7 @@ TEST_F(BesideWindowManager, AClickOutsideClosesItAndReachesTheProgram)
         stage.keyboard.type(QStringLiteral("q"));
         const Target view{nullptr, target.window, target.viewFile, {}}; // the line had the focus before
         stage.awaitContent(view, "q");
+        EXPECT_EQ(target.content(), "");
     });
 }
 
