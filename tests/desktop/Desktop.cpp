@@ -1,5 +1,6 @@
 #include "tests/desktop/Desktop.h"
 
+#include <QList>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
