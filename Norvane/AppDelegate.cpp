@@ -16,13 +16,13 @@
 namespace {
 
 constexpr int trimDelay = 1000;  // milliseconds after the last change of a limit
+constexpr int longestWait = 100; // milliseconds that opening the panel waits for copies and the caret
 constexpr int menuDelay = 100;   // milliseconds from a row of the status menu to the panel
-constexpr int longestWait = 100; // milliseconds that opening the panel waits for a copy being read
 
 } // namespace
 
 AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, const QString &folder)
-    : platform(givenPlatform), prefs(preferences), dataFolder(folder),
+    : platform(givenPlatform), theme(*givenPlatform.appearance), prefs(preferences), dataFolder(folder),
       hotKey(*givenPlatform.hotKeys, *givenPlatform.keyboardLayout)
 {
     trimming.setSingleShot(true);
@@ -31,7 +31,8 @@ AppDelegate::AppDelegate(Platform &givenPlatform, Preferences &preferences, cons
             [this] { store->trim(prefs.maxItems(), prefs.retentionDays()); });
     showing.setSingleShot(true);
     showing.setInterval(longestWait);
-    connect(&showing, &QTimer::timeout, this, [this] { popup->show(); });
+    showing.setTimerType(Qt::PreciseTimer);
+    connect(&showing, &QTimer::timeout, this, &AppDelegate::present);
 }
 
 AppDelegate::~AppDelegate()
@@ -62,7 +63,13 @@ void AppDelegate::finishLaunching()
     hotKey.onPress = [this] { togglePopup(); };
     registerHotKey();
     watchPreferences();
+    followCaret();
     installStatusItem();
+}
+
+void AppDelegate::followCaret()
+{
+    platform.accessibility->setCaretWanted(prefs.position() == PopupPosition::caret);
 }
 
 void AppDelegate::installStatusItem()
@@ -152,6 +159,7 @@ void AppDelegate::watchPreferences()
         else
             registerHotKey();
     });
+    connect(&prefs, &Preferences::positionChanged, this, &AppDelegate::followCaret);
     connect(&prefs, &Preferences::maxItemsChanged, &trimming, qOverload<>(&QTimer::start));
     connect(&prefs, &Preferences::retentionDaysChanged, &trimming, qOverload<>(&QTimer::start));
 }
@@ -166,18 +174,58 @@ void AppDelegate::showPopup()
 {
     if (showing.isActive())
         return;
+    const int number = opening.number + 1;
+    opening = Opening();
+    opening.number = number;
     showing.start();
-    monitor->whenCaughtUp([guard = QPointer(this)] {
-        if (!guard || !guard->showing.isActive())
-            return; // cancelled, or shown without waiting longer
-        guard->showing.stop();
-        guard->popup->show();
+    askForCaret();
+    monitor->whenCaughtUp([guard = QPointer(this), number] {
+        if (!guard || guard->opening.number != number)
+            return;
+        guard->opening.caughtUp = true;
+        guard->showWhenReady();
     });
+}
+
+// First of all that an opening does: when the panel has taken the keyboard, nothing has a caret any more.
+void AppDelegate::askForCaret()
+{
+    if (prefs.position() != PopupPosition::caret || !platform.accessibility->caretAvailable()) {
+        opening.caretKnown = true;
+        return;
+    }
+    platform.accessibility->requestCaretRect(
+        [guard = QPointer(this), number = opening.number](const std::optional<QRectF> &caret) {
+            if (!guard || guard->opening.number != number)
+                return;
+            guard->opening.caretKnown = true;
+            guard->opening.caret = caret;
+            guard->showWhenReady();
+        });
+}
+
+void AppDelegate::showWhenReady()
+{
+    // Not waiting: cancelled, or shown without waiting longer.
+    if (showing.isActive() && opening.caughtUp && opening.caretKnown)
+        present();
+}
+
+void AppDelegate::present()
+{
+    showing.stop();
+    platform.accessibility->cancel();
+    popup->show(opening.caret);
 }
 
 void AppDelegate::hidePopup()
 {
-    showing.stop();
+    if (showing.isActive()) {
+        showing.stop();
+        platform.accessibility->cancel();
+        if (!popup->isVisible())
+            platform.panelSurface->dismiss(); // the keyboard, which waits for the panel, goes on
+    }
     popup->hide();
 }
 

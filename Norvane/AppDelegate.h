@@ -1,12 +1,15 @@
 #pragma once
 
 #include "Norvane/ClearDialog.h"
+#include "Norvane/Theme.h"
 #include "Norvane/app/GlobalHotKey.h"
 #include "Platform/Platform.h"
 
 #include <QObject>
+#include <QRectF>
 #include <QTimer>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ClipboardMonitor;
@@ -29,8 +32,11 @@ public:
     // Builds everything in its order and starts recording.
     void finishLaunching();
 
-    // Opens the panel with everything copied until now in it; brings it forward when it is open.
+    // Opens the panel with everything copied until now in it, at the text caret when the settings say so;
+    // brings it forward when it is open. Waits for both at most 100 milliseconds, without blocking.
     void showPopup();
+
+    // Closes the panel, or keeps it from opening.
     void hidePopup();
     void togglePopup();
 
@@ -45,6 +51,10 @@ public:
 
 private:
     void watchPreferences();
+    void followCaret();
+    void askForCaret();
+    void showWhenReady();
+    void present();
     void registerHotKey();
     void installStatusItem();
     void releaseStatusItem();
@@ -54,6 +64,7 @@ private:
     void explainMissingKeys();
 
     Platform &platform;
+    Theme theme;
     Preferences &prefs;
     QString dataFolder;
     std::unique_ptr<ClipStore> store;
@@ -63,5 +74,14 @@ private:
     GlobalHotKey hotKey;
     ClearDialog clearDialog;
     QTimer trimming;
-    QTimer showing; // running while the panel waits for the last copy to arrive
+
+    // Between the press and the panel: what it still waits for.
+    struct Opening {
+        int number = 0; // tells the answers to this opening from late ones to another
+        bool caughtUp = false;
+        bool caretKnown = false;
+        std::optional<QRectF> caret;
+    };
+    Opening opening;
+    QTimer showing; // running while the panel waits
 };

@@ -19,13 +19,22 @@ bool isLineBreak(QChar c)
     return (c >= u'\n' && c <= u'\r') || c == u'\u0085' || c == u'\u2028' || c == u'\u2029';
 }
 
+// A character may have any number of marks, and the toolkit takes seconds to draw many: no writing needs as
+// many units as this.
+QStringView withoutEndlessMarks(QStringView text, qsizetype characters)
+{
+    constexpr qsizetype unitsPerCharacter = 16;
+    const QStringView start = text.left(characters * unitsPerCharacter);
+    return start.size() < text.size() && start.back().isHighSurrogate() ? start.chopped(1) : start;
+}
+
 // The beginning of a text without leading white space, its tabs widened.
 QString head(QStringView text, qsizetype limit)
 {
     qsizetype start = 0;
     while (start < text.size() && text[start].isSpace())
         ++start;
-    const QStringView rest = text.mid(start);
+    const QStringView rest = withoutEndlessMarks(text.mid(start), limit);
     return rest.left(lengthOfClusters(rest, limit)).toString().replace(u'\t', QStringLiteral("  "));
 }
 
@@ -100,7 +109,8 @@ const icu::RelativeDateTimeFormatter *relativeFormatter()
 
 QString titleText(const Clip &clip, qsizetype maxLength)
 {
-    QString title = joinedLines(rawTitle(clip, maxLength));
+    const QString raw = rawTitle(clip, maxLength);
+    QString title = joinedLines(withoutEndlessMarks(raw, 2 * maxLength).toString());
     const qsizetype length = lengthOfClusters(title, maxLength);
     if (length < title.size())
         title = title.left(length) + u'…';

@@ -3,7 +3,9 @@
 #include "Norvane/ClipIcons.h"
 #include "Norvane/ClipTitles.h"
 #include "Norvane/Palette.h"
+#include "Norvane/SlimScrollBar.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -39,41 +41,29 @@ void drawIcon(QPainter *painter, const QRect &frame, const QPixmap &icon, bool r
     painter->restore();
 }
 
-// A slim bar without buttons: the toolkit's own is as loud as the list itself.
-QString scrollBarStyle(const QPalette &palette)
-{
-    const QColor handle = Palette::secondary(palette);
-    return QStringLiteral(
-               "QScrollBar:vertical { background: transparent; border: none; width: 11px; margin: 2px; }"
-               "QScrollBar::handle:vertical { background: rgba(%1, %2, %3, 45%); border-radius: 3px;"
-               " min-height: 28px; }"
-               "QScrollBar::handle:vertical:hover { background: rgba(%1, %2, %3, 80%); }"
-               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
-               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
-        .arg(handle.red())
-        .arg(handle.green())
-        .arg(handle.blue());
-}
-
 } // namespace
 
-// One line, cut to its frame. Shaping text is most of what a row costs, and the same rows are painted at every
-// opening, so the glyphs are kept.
-void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font) const
+// One line, cut to its frame. Shaping text is most of what a row costs, and the same rows are painted at
+// every opening, so the glyphs are kept.
+void ClipCellView::drawText(QPainter *painter, const QRect &frame, const QString &text,
+                            const QFont &font) const
 {
-    const QString key = QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u' ' + text;
-    QStaticText *line = lines.object(key);
-    if (!line) {
-        line = new QStaticText(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
-        line->setTextFormat(Qt::PlainText);
+    const QString key = QString::number(frame.width()) + u'@' + QString::number(font.pointSizeF()) + u'@' +
+                        QString::number(font.pixelSize()) + u' ' + text;
+    if (!lines.contains(key)) {
+        auto made =
+            std::make_unique<QStaticText>(QFontMetrics(font).elidedText(text, Qt::ElideRight, frame.width()));
+        made->setTextFormat(Qt::PlainText);
         QTextOption option;
         option.setWrapMode(QTextOption::NoWrap);
-        line->setTextOption(option);
-        line->prepare(painter->transform(), font);
-        lines.insert(key, line);
+        made->setTextOption(option);
+        made->prepare(painter->transform(), font);
+        lines.insert(key, made.release());
     }
+    const QStaticText *line = lines.object(key);
     painter->setFont(font);
-    painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2), *line);
+    painter->drawStaticText(QPointF(frame.left(), frame.top() + (frame.height() - line->size().height()) / 2),
+                            *line);
 }
 
 ClipCellView::ClipCellView(ClipIcons &clipIcons, const ClipListModel &listModel, QObject *parent)
@@ -100,9 +90,8 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
         return;
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const QColor label = selected ? Palette::onAccent(option.palette) : Palette::label(option.palette);
-    QColor secondary = selected ? label : Palette::secondary(option.palette);
-    if (selected)
-        secondary.setAlphaF(0.82F);
+    const QColor secondary =
+        selected ? Palette::secondaryOnAccent(option.palette) : Palette::secondary(option.palette);
     const qreal scale = painter->device()->devicePixelRatioF();
     const QRect row = option.rect.adjusted(scaled(rowInset), 0, -scaled(rowInset), 0);
 
@@ -152,10 +141,10 @@ void ClipCellView::paint(QPainter *painter, const QStyleOptionViewItem &option,
         const int pinSide = scaled(pinWidth);
         const QRect pin(row.right() + 1 - scaled(pinTrailing) - pinSide, row.top() + scaled(pinTop), pinSide,
                         pinSide);
-        drawIcon(
-            painter, pin,
-            icons.symbol(QStringLiteral("pin-fill"), pinSide, selected ? label : Palette::orange(), scale),
-            false);
+        drawIcon(painter, pin,
+                 icons.symbol(QStringLiteral("pin-fill"), pinSide,
+                              selected ? label : Palette::orange(option.palette), scale),
+                 false);
     }
     painter->restore();
 }
@@ -173,7 +162,7 @@ ClipTableView::ClipTableView(ClipListModel &model, ClipIcons &icons, QWidget *pa
     setContextMenuPolicy(Qt::NoContextMenu);
     setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
+    setVerticalScrollBar(new SlimScrollBar(this));
     connect(&icons, &ClipIcons::iconsChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -191,6 +180,27 @@ void ClipTableView::selectRow(int row)
     const QModelIndex index = clips.index(std::clamp(row, 0, count - 1));
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
     scrollTo(index, EnsureVisible);
+}
+
+// The list view's own would look for the row in a layout that it was spared.
+void ClipTableView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
+    if (QAccessible::isActive() && !selected.isEmpty()) {
+        QAccessibleEvent event(this, QAccessible::Selection);
+        event.setChild(selected.first().top());
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void ClipTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QAbstractItemView::currentChanged(current, previous); // NOLINT(bugprone-parent-virtual-call)
+    if (QAccessible::isActive() && current.isValid() && hasFocus()) {
+        QAccessibleEvent event(this, QAccessible::Focus);
+        event.setChild(current.row());
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void ClipTableView::measureRows()
@@ -269,7 +279,7 @@ QModelIndex ClipTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 {
     const int row = currentIndex().row();
     const int last = clips.rowCount() - 1;
-    int target = row;
+    int target = row; // NOLINT(clang-analyzer-deadcode.DeadStores): for an action that is none of these
     switch (action) {
     case MoveUp:
     case MovePrevious:
@@ -343,16 +353,9 @@ void ClipTableView::paintEvent(QPaintEvent *event)
 
 void ClipTableView::resizeEvent(QResizeEvent *event)
 {
-    QAbstractItemView::resizeEvent(
-        event); // NOLINT(bugprone-parent-virtual-call): the list view would lay out every row
+    // The list view would lay out every row.
+    QAbstractItemView::resizeEvent(event); // NOLINT(bugprone-parent-virtual-call)
     updateGeometries();
-}
-
-void ClipTableView::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::PaletteChange)
-        verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
-    QListView::changeEvent(event);
 }
 
 void ClipTableView::keyPressEvent(QKeyEvent *event)

@@ -1,5 +1,6 @@
 #include "Norvane/FilterControl.h"
 
+#include "Norvane/FilterAccessibility.h"
 #include "Norvane/Palette.h"
 
 #include <QMouseEvent>
@@ -19,13 +20,24 @@ FilterControl::FilterControl(const QStringList &segmentLabels, QWidget *parent)
     setFont(Metrics::font(12));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::NoFocus);
+    FilterAccessibility::install();
 }
 
 void FilterControl::setSelectedSegment(int segment)
 {
+    if (selectedSegment_ == segment)
+        return;
     selectedSegment_ = segment;
-    setAccessibleDescription(labels.value(segment));
     update();
+    FilterAccessibility::announceSelection(*this);
+}
+
+void FilterControl::choose(int segment)
+{
+    if (segment == selectedSegment_)
+        return;
+    setSelectedSegment(segment);
+    Q_EMIT segmentChosen(segment);
 }
 
 QSize FilterControl::sizeHint() const
@@ -71,9 +83,8 @@ void FilterControl::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     for (int i = 0; i < labels.size(); ++i) {
-        if (segmentRect(i).contains(event->position().toPoint()) && i != selectedSegment_) {
-            setSelectedSegment(i);
-            Q_EMIT segmentChosen(i);
+        if (segmentRect(i).contains(event->position().toPoint())) {
+            choose(i);
             return;
         }
     }

@@ -12,6 +12,11 @@ public:
 
     [[nodiscard]] int selectedSegment() const { return selectedSegment_; }
     void setSelectedSegment(int segment); // emits nothing
+    void choose(int segment);             // as the user does; the selected one is left alone
+
+    [[nodiscard]] int segmentCount() const { return static_cast<int>(labels.size()); }
+    [[nodiscard]] QString segmentLabel(int segment) const { return labels.value(segment); }
+    [[nodiscard]] QRect segmentRect(int segment) const;
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -23,8 +28,6 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    [[nodiscard]] QRect segmentRect(int segment) const;
-
     QStringList labels;
     int selectedSegment_ = 0;
 };

@@ -10,6 +10,7 @@ constexpr double anchorGap = 6;    // between the panel and the caret or pointer
 constexpr double screenMargin = 8; // between the panel and the visible frame
 constexpr double largestShare = 0.8;
 constexpr double centreLift = 0.08;
+constexpr double largestSide = 32767; // a window's on X11; settings may say anything
 
 const Screen &screenAt(QPointF point, const std::vector<Screen> &screens, size_t mainScreen)
 {
@@ -46,7 +47,8 @@ QSizeF initialSize(double rememberedWidth, double rememberedHeight)
 {
     const double width = rememberedWidth == 0 ? defaultSize.width() : rememberedWidth;
     const double height = rememberedHeight == 0 ? defaultSize.height() : rememberedHeight;
-    return {std::max(width, minimumSize.width()), std::max(height, minimumSize.height())};
+    return {std::clamp(width, minimumSize.width(), largestSide),
+            std::clamp(height, minimumSize.height(), largestSide)};
 }
 
 Rect place(QSizeF size, PopupPosition position, const std::optional<Rect> &caret, QPointF pointer,

@@ -69,6 +69,7 @@ PopupController::PopupController(const Services &given)
     });
     connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PopupController::showPreview);
+    connect(&services.prefs, &Preferences::showPreviewChanged, this, [this] { prepared = false; });
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();
@@ -84,12 +85,12 @@ bool PopupController::isVisible() const
     return services.surface.isPresented();
 }
 
-void PopupController::show()
+void PopupController::show(const std::optional<QRectF> &caret)
 {
     if (!prepared || isVisible())
         prepare();
     panel->searchField->setFocus();
-    place();
+    place(caret);
 }
 
 // Lists everything for the next opening, so that the opening itself has only to paint.
@@ -111,7 +112,7 @@ void PopupController::prepareLater()
     preparing.start();
 }
 
-void PopupController::place()
+void PopupController::place(const std::optional<QRectF> &caret)
 {
     const auto areas = services.screens.screens();
     const double primaryHeight = areas.empty() ? 0 : areas.front().frame.height();
@@ -122,8 +123,9 @@ void PopupController::place()
                            PanelPlacement::flipped(area.visibleFrame, primaryHeight)});
     if (screens.empty())
         return;
+    const auto anchor = caret ? std::optional(PanelPlacement::flipped(*caret, primaryHeight)) : std::nullopt;
     const auto frame =
-        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), std::nullopt,
+        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), anchor,
                               PanelPlacement::flipped(services.screens.pointer(), primaryHeight), screens);
     services.surface.present(PanelPlacement::flipped(frame, primaryHeight).toRect());
 }

@@ -6,9 +6,11 @@
 #include "Norvane/store/ClipSearch.h"
 
 #include <QObject>
+#include <QRectF>
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ClipStore;
 class DesktopEntries;
@@ -46,8 +48,9 @@ public:
 
     [[nodiscard]] bool isVisible() const;
 
-    // Lists everything anew and opens at the place the settings say. Brought forward when open already.
-    void show();
+    // Lists everything anew and opens at the place the settings say; `caret`, in Qt's coordinates, is where
+    // that is the text caret, the pointer when absent. Brought forward when open already.
+    void show(const std::optional<QRectF> &caret = {});
     void hide();
 
     // A small button in the panel that calls onShowMenu: where no tray has the menu.
@@ -62,7 +65,7 @@ public:
     [[nodiscard]] PopupPanel &window() { return *panel; }
 
 private:
-    void place();
+    void place(const std::optional<QRectF> &caret);
     void prepare();
     void prepareLater();
     void pick(const ClipPointer &clip, PasteMode mode);

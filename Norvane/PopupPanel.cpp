@@ -89,8 +89,9 @@ PopupPanel::PopupPanel(Pasteboard &pasteboard, const Preferences &prefs, ClipLis
     searchField->setPlaceholderText(L("Cerca negli appunti…"));
     searchField->setAccessibleName(L("Cerca negli appunti…"));
     filterControl = new FilterControl(filterLabels(), this);
+    filterControl->setAccessibleName(L("Filtro"));
     tableView = new ClipTableView(model, icons, this);
-    tableView->setAccessibleName(QStringLiteral("Norvane"));
+    tableView->setAccessibleName(L("Cronologia"));
     previewPane = new PreviewPane(pasteboard, prefs, this);
     hintLabel = new QLabel(this);
     countLabel = new QLabel(this);
@@ -228,7 +229,7 @@ void PopupPanel::changeEvent(QEvent *event)
 void PopupPanel::applyColours()
 {
     for (QLabel *label : {hintLabel, countLabel}) {
-        QPalette colours = label->palette();
+        QPalette colours;
         colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
         label->setPalette(colours);
     }

@@ -3,13 +3,13 @@
 #include "Norvane/ClipTitles.h"
 #include "Norvane/Palette.h"
 #include "Norvane/app/Preferences.h"
+#include "Norvane/capture/Thumbnail.h"
 #include "Norvane/store/ClipStore.h"
 #include "Vesmo/Localisation.h"
 #include "Vesmo/Text.h"
 
-#include <QBuffer>
+#include <QCoreApplication>
 #include <QDateTime>
-#include <QImageReader>
 #include <QLabel>
 #include <QPointer>
 #include <QThreadPool>
@@ -19,21 +19,11 @@ using Metrics::scaled;
 namespace {
 
 constexpr qsizetype charactersShown = 50000;
-constexpr qint64 largeImage = 1'000'000; // pixels: above, decoding takes longer than a frame
-constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4, imageShare = 0.55;
+constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one character with endless marks
+constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
+constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
+                imageShare = 0.55;
 constexpr int longestSide = 4096; // of a decoded preview, pixels
-
-QImage decoded(const QByteArray &bytes)
-{
-    QByteArray copy = bytes;
-    QBuffer buffer(&copy);
-    QImageReader reader(&buffer);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid() && std::max(size.width(), size.height()) > longestSide)
-        reader.setScaledSize(size.scaled(longestSide, longestSide, Qt::KeepAspectRatio));
-    return reader.read();
-}
 
 bool isLarge(const Clip &clip)
 {
@@ -124,7 +114,7 @@ QStringList PreviewPane::showImage(const Clip &clip, const ClipStore &store)
         return parts;
     }
     arrange(Arrangement::imageOnly);
-    if (!clip.recognizedText && prefs.recognizeText())
+    if (!clip.recognizedText && readsImages && prefs.recognizeText())
         parts << L("lettura del testo…");
     return parts;
 }
@@ -136,13 +126,13 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
     if (!bytes)
         return;
     if (!isLarge(clip)) {
-        if (const QImage image = decoded(*bytes); !image.isNull())
+        if (const QImage image = decodedPicture(*bytes, longestSide); !image.isNull())
             imageView->setImage(image);
         return;
     }
     QThreadPool::globalInstance()->start(
         [bytes = *bytes, pane = QPointer(this), wanted = *generation, current = generation] {
-            const QImage image = decoded(bytes);
+            const QImage image = decodedPicture(bytes, longestSide);
             if (image.isNull())
                 return;
             QMetaObject::invokeMethod(qApp, [image, pane, wanted, current] {
@@ -154,7 +144,7 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
 
 QStringList PreviewPane::showText(const Clip &clip)
 {
-    const qsizetype shown = lengthOfClusters(clip.text, charactersShown);
+    const qsizetype shown = lengthOfClusters(QStringView(clip.text).left(unitsShown), charactersShown);
     QFont font = Metrics::font(12);
     font.setFamilies({QStringLiteral("monospace")});
     font.setStyleHint(QFont::Monospace);
@@ -189,7 +179,8 @@ void PreviewPane::placeViews()
     } else if (arrangement == Arrangement::imageAndText) {
         int imageHeight = static_cast<int>(imageShare * height());
         if (!pixelSize.isEmpty())
-            imageHeight = std::min(imageHeight, qRound(imageWidth * pixelSize.height() / pixelSize.width()));
+            imageHeight =
+                qRound(std::min<qreal>(imageHeight, imageWidth * pixelSize.height() / pixelSize.width()));
         imageView->setGeometry(inset, inset, imageWidth, imageHeight);
         const int textTop = inset + imageHeight + scaled(imageTextGap);
         textView->setGeometry(0, textTop, width(), std::max(0, textBottom - textTop));
@@ -213,7 +204,7 @@ void PreviewPane::changeEvent(QEvent *event)
 
 void PreviewPane::applyColours()
 {
-    QPalette colours = infoLabel->palette();
+    QPalette colours;
     colours.setColor(QPalette::WindowText, Palette::secondary(palette()));
     infoLabel->setPalette(colours);
 }

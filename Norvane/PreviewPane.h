@@ -38,7 +38,7 @@ class PreviewImage : public QWidget {
     Q_OBJECT
 
 public:
-    using QWidget::QWidget;
+    explicit PreviewImage(QWidget *parent);
 
     void setImage(const QImage &image);
     [[nodiscard]] const QImage &image() const { return image_; }
@@ -60,6 +60,9 @@ class PreviewPane : public QWidget {
 public:
     PreviewPane(Pasteboard &pasteboard, const Preferences &prefs, QWidget *parent);
     ~PreviewPane() override;
+
+    // Whether images are being read at all: without that the pane promises no text.
+    void setReadsImages(bool reads) { readsImages = reads; }
 
     // Null clears the pane. A clip that is shown already in this revision keeps its scroll position.
     void show(const ClipPointer &clip, const ClipStore &store);
@@ -88,6 +91,7 @@ private:
     QLabel *infoLabel;
     Arrangement arrangement = Arrangement::nothing;
     QSizeF pixelSize;
+    bool readsImages = false;
     std::weak_ptr<Clip> shownClip;
     qint64 shownRevision = 0;
     std::shared_ptr<qint64> generation = std::make_shared<qint64>(0); // of the image asked for last

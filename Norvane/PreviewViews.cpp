@@ -2,9 +2,11 @@
 
 #include "Norvane/Palette.h"
 #include "Norvane/PreviewPane.h"
+#include "Norvane/SlimScrollBar.h"
 #include "Platform/Pasteboard.h"
 #include "Vesmo/Localisation.h"
 
+#include <QAccessibleWidget>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -14,8 +16,8 @@ using Metrics::scaled;
 
 namespace {
 
-// Laying out one line without blanks costs the square of its length: 500,000 characters take half a minute. Pieces
-// of this length take 12 ms.
+// Laying out one line without blanks costs the square of its length: 500,000 characters take half a minute.
+// Pieces of this length take 12 ms.
 constexpr qsizetype longestBlock = 2000;
 constexpr qsizetype longLine = 5000;
 
@@ -56,19 +58,28 @@ DisplayText displayText(const QString &text)
     return display;
 }
 
+// A plain widget would be a nameless filler to a screen reader.
+QAccessibleInterface *pictureOf(const QString &, QObject *object)
+{
+    auto *image = qobject_cast<PreviewImage *>(object);
+    return image ? new QAccessibleWidget(image, QAccessible::Graphic) : nullptr;
+}
+
 } // namespace
 
 PreviewText::PreviewText(Pasteboard &generalPasteboard, QWidget *parent)
     : QPlainTextEdit(parent), pasteboard(generalPasteboard)
 {
     setReadOnly(true);
+    setAccessibleName(L("Anteprima"));
     setUndoRedoEnabled(false);
     setFrameShape(NoFrame);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new SlimScrollBar(this));
     document()->setDocumentMargin(scaled(8));
     setTabChangesFocus(true);
-    QPalette colours = palette();
+    QPalette colours;
     colours.setColor(QPalette::Base, Qt::transparent);
     setPalette(colours);
 }
@@ -77,7 +88,8 @@ void PreviewText::showText(const QString &text, const QFont &font, qreal tabInte
 {
     DisplayText display = displayText(text);
     setFont(font);
-    setWordWrapMode(!display.cuts.empty() ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setWordWrapMode(!display.cuts.empty() ? QTextOption::WrapAnywhere
+                                          : QTextOption::WrapAtWordBoundaryOrAnywhere);
     setTabStopDistance(tabInterval > 0 ? tabInterval : 8 * fontMetrics().horizontalAdvance(u' '));
     setPlainText(display.text);
     cuts = std::move(display.cuts);
@@ -120,6 +132,13 @@ void PreviewText::contextMenuEvent(QContextMenuEvent *event)
     menu->popup(event->globalPos());
 }
 
+PreviewImage::PreviewImage(QWidget *parent) : QWidget(parent)
+{
+    static const bool announced = (QAccessible::installFactory(pictureOf), true);
+    Q_UNUSED(announced)
+    setAccessibleName(L("Anteprima"));
+}
+
 void PreviewImage::setImage(const QImage &image)
 {
     image_ = image;
@@ -137,9 +156,11 @@ void PreviewImage::paintEvent(QPaintEvent *)
         target.scale(room, Qt::KeepAspectRatio);
     target = target.expandedTo({1, 1});
     if (scaledImage.size() != target) {
-        scaledImage = QPixmap::fromImage(image_.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        scaledImage =
+            QPixmap::fromImage(image_.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
         scaledImage.setDevicePixelRatio(scale);
     }
     const QSizeF shown = scaledImage.deviceIndependentSize();
-    QPainter(this).drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2), scaledImage);
+    QPainter(this).drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2),
+                              scaledImage);
 }

@@ -32,8 +32,19 @@ SearchField::SearchField(Pasteboard &generalPasteboard, ClipIcons &clipIcons, QW
     setFont(Metrics::font(14));
     setTextMargins(scaled(textLeading), 0, scaled(8), 0);
     setDragEnabled(false);
-    QPalette colours = palette();
+    applyColours();
+}
+
+// The toolkit's placeholder is half as dark as its text, which is too faint to read.
+void SearchField::applyColours()
+{
+    const QColor faint = Palette::secondary(palette());
+    if (palette().color(QPalette::Base) == QColor(Qt::transparent) &&
+        palette().color(QPalette::PlaceholderText) == faint)
+        return;       // setting them again would bring the event that leads here
+    QPalette colours; // only these two: what is copied from palette() would stay as it is now
     colours.setColor(QPalette::Base, Qt::transparent);
+    colours.setColor(QPalette::PlaceholderText, faint);
     setPalette(colours);
 }
 
@@ -63,8 +74,16 @@ void SearchField::pasteText()
     });
 }
 
+void SearchField::deleteFrom(int position)
+{
+    setSelection(position, static_cast<int>(text().size()) - position);
+    insert(QString());
+}
+
 bool SearchField::event(QEvent *event)
 {
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         update();
     return QLineEdit::event(event);
@@ -78,6 +97,11 @@ void SearchField::keyPressEvent(QKeyEvent *event)
         cutSelection();
     else if (event->matches(QKeySequence::Paste))
         pasteText();
+    else if (event->matches(
+                 QKeySequence::DeleteEndOfLine)) // what the toolkit deletes, it puts on the clipboard
+        deleteFrom(cursorPosition());
+    else if (event->matches(QKeySequence::DeleteCompleteLine))
+        deleteFrom(0);
     else if (!pastesPrimary(event))
         QLineEdit::keyPressEvent(event);
 }
@@ -88,10 +112,10 @@ void SearchField::mousePressEvent(QMouseEvent *event)
         QLineEdit::mousePressEvent(event);
 }
 
+// The toolkit does nothing here but own or paste the primary selection.
 void SearchField::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::MiddleButton)
-        QLineEdit::mouseReleaseEvent(event);
+    event->accept();
 }
 
 void SearchField::contextMenuEvent(QContextMenuEvent *event)

@@ -29,6 +29,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void deleteFrom(int position);
+    void applyColours();
+
     Pasteboard &pasteboard;
     ClipIcons &icons;
 };

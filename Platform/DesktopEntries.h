@@ -5,9 +5,9 @@
 
 // The installed applications, as their desktop entries describe them. Any thread.
 //
-// Password stores carry well-known identifiers instead of their entry's name, so that one default list of ignored
-// applications means this desktop's stores too: Seahorse and KWalletManager are "com.apple.keychainaccess";
-// KeePassXC, Secrets, Bitwarden and 1Password are "com.apple.Passwords".
+// Password stores carry well-known identifiers instead of their entry's name, so that one default list of
+// ignored applications means this desktop's stores too: Seahorse and KWalletManager are
+// "com.apple.keychainaccess"; KeePassXC, Secrets, Bitwarden and 1Password are "com.apple.Passwords".
 class DesktopEntries {
 public:
     virtual ~DesktopEntries() = default;

@@ -4,8 +4,8 @@
 #include <optional>
 
 // The application a user would say is in front. `bundleIdentifier` is its desktop entry's file name without
-// ".desktop", or a well-known identifier (see DesktopEntries); absent for a program without a desktop entry and
-// without a window class. `localizedName` is what the desktop shows for it.
+// ".desktop", or a well-known identifier (see DesktopEntries); absent for a program without a desktop entry
+// and without a window class. `localizedName` is what the desktop shows for it.
 struct FrontApplication {
     std::optional<QString> bundleIdentifier;
     std::optional<QString> localizedName;

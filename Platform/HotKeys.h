@@ -10,8 +10,9 @@ public:
 
     // Takes the key system-wide, whatever Caps Lock and Num Lock say, replacing the one taken before.
     //
-    // keyCode and modifiers are those of Platform/KeyCodes.h. Returns 0 when it was accepted, else the reason:
-    // the X error code (10, BadAccess: another program holds it), or -1 when there is no such key here.
+    // keyCode and modifiers are those of Platform/KeyCodes.h. Returns 0 when it was accepted, else the
+    // reason: the X error code (10, BadAccess: another program holds it), or -1 when there is no such key
+    // here.
     [[nodiscard]] virtual int registerHotKey(quint32 keyCode, quint64 modifiers) = 0;
     virtual void unregisterHotKey() = 0;
 

@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-// Virtual key codes: hardware positions named by an ANSI keyboard's numbering, in which the V key is 9. They are
-// what shortcuts store. Keys outside that numbering are 256 + their evdev code.
+// Virtual key codes: hardware positions named by an ANSI keyboard's numbering, in which the V key is 9. They
+// are what shortcuts store. Keys outside that numbering are 256 + their evdev code.
 //
 // evdev codes are those of <linux/input-event-codes.h>; an X server's key code is the evdev code + 8.
 namespace KeyCode {
@@ -18,8 +18,8 @@ inline constexpr quint64 shift = 0x20000, control = 0x40000, option = 0x80000, c
 inline constexpr quint64 all = shift | control | option | command;
 } // namespace ModifierFlag
 
-// 0 when the position has no evdev code. Every virtual key code of the ANSI numbering from 0 to 127 is known that
-// a PC keyboard has.
+// 0 when the position has no evdev code. Every virtual key code of the ANSI numbering from 0 to 127 is known
+// that a PC keyboard has.
 [[nodiscard]] quint32 evdevCode(quint32 keyCode);
 
 // The virtual key code at an evdev code; 256 + evdev code for keys outside the numbering.

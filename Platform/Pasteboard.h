@@ -31,7 +31,8 @@ struct PasteboardRepresentation {
     bool operator==(const PasteboardRepresentation &) const = default;
 };
 
-// One copied thing with its forms in the order its owner offered them. Files are one item each, with a fileURL.
+// One copied thing with its forms in the order its owner offered them. Files are one item each, with a
+// fileURL.
 struct PasteboardItem {
     std::vector<PasteboardRepresentation> representations;
 
@@ -61,9 +62,9 @@ struct PasteboardPolicy {
 
 // The general pasteboard: what the user copied last, in memory, with a counter of changes. Main thread.
 //
-// No operation waits for another program. Foreign content is read in the background as soon as it is copied and
-// published with its count when the read is complete; the count that was there at start is 0 or more and moves
-// with the first change.
+// No operation waits for another program. Foreign content is read in the background as soon as it is copied
+// and published with its count when the read is complete; the count that was there at start is 0 or more and
+// moves with the first change.
 class Pasteboard {
 public:
     virtual ~Pasteboard() = default;
@@ -74,8 +75,8 @@ public:
     // Never null.
     [[nodiscard]] virtual std::shared_ptr<const PasteboardSnapshot> snapshot() const = 0;
 
-    // Replaces the contents (clear and write are one change) and returns the new change count. The snapshot is
-    // replaced before this returns; representations without data are left out.
+    // Replaces the contents (clear and write are one change) and returns the new change count. The snapshot
+    // is replaced before this returns; representations without data are left out.
     virtual qint64 write(std::vector<PasteboardItem> items) = 0;
 
     virtual void setPolicy(const PasteboardPolicy &policy) = 0;
@@ -84,7 +85,8 @@ public:
     // Bounded by the read's own time limits (5 s).
     virtual void whenSettled(std::function<void()> callback) = 0;
 
-    // The plain text that is on the pasteboard now, for a paste into our own fields: fetched from its owner even
-    // where the policy kept it out of the snapshot. Calls back once within 1 s, with an empty text if there is none.
+    // The plain text that is on the pasteboard now, for a paste into our own fields: fetched from its owner
+    // even where the policy kept it out of the snapshot. Calls back once within 1 s, with an empty text if
+    // there is none.
     virtual void readText(std::function<void(const QString &)> callback) = 0;
 };

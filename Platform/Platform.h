@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Accessibility.h"
+#include "Platform/Appearance.h"
 #include "Platform/ApplicationInstance.h"
 #include "Platform/DesktopEntries.h"
 #include "Platform/HotKeys.h"
@@ -14,8 +16,8 @@
 
 #include <memory>
 
-// Every service of one desktop. None is null: a desktop that lacks one has one that says so. Members are destroyed
-// in reverse order, so that what uses another stands after it.
+// Every service of one desktop. None is null: a desktop that lacks one has one that says so. Members are
+// destroyed in reverse order, so that what uses another stands after it.
 struct Platform {
     std::unique_ptr<UserDefaults> defaults;
     std::shared_ptr<DesktopEntries> desktopEntries;
@@ -26,5 +28,7 @@ struct Platform {
     std::unique_ptr<PanelSurface> panelSurface;
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Screens> screens;
+    std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<StatusItem> statusItem;
+    std::unique_ptr<Appearance> appearance;
 };

@@ -66,7 +66,8 @@ public:
     }
     [[nodiscard]] double microseconds() const { return static_cast<double>(elapsed) / 1000; }
 
-    // In an event loop of its own, which sleeps until there is something to do: polling would measure the polling.
+    // In an event loop of its own, which sleeps until there is something to do: polling would measure the
+    // polling.
     [[nodiscard]] bool awaitFrame()
     {
         deadline.start(3000);

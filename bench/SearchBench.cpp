@@ -50,8 +50,8 @@ bool benchText()
     bool met = true;
     for (const auto &[name, text, foldAim, countAim] : cases) {
         qsizetype sink = 0;
-        const double fold = fastest(10, [&] { sink += foldedKey(text).size(); });
-        const double count = fastest(10, [&] { sink += clusterCount(text); });
+        const double fold = fastest(10, [&sink, &text = text] { sink += foldedKey(text).size(); });
+        const double count = fastest(10, [&sink, &text = text] { sink += clusterCount(text); });
         if (sink == 0)
             std::abort();
         const QByteArray folding = QByteArray("folding, ") + name + ":";
@@ -97,7 +97,9 @@ bool benchSearch(int count, int runs)
         double best = std::numeric_limits<double>::max();
         for (int run = 0; run < runs; ++run) {
             (void)search.results(ClipFilter::all, before); // an empty query is narrowed by nothing
-            best = std::min(best, fastest(1, [&] { (void)search.results(ClipFilter::all, query); }));
+            best = std::min(best, fastest(1, [&search, &query = query] {
+                                (void)search.results(ClipFilter::all, query);
+                            }));
         }
         std::printf("%d clips, %s: %.2f ms\n", count, name, best);
         const QByteArray subject = QByteArray(name) + ", " + QByteArray::number(count) + ":";

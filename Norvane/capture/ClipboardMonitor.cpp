@@ -54,6 +54,8 @@ ClipboardMonitor::ClipboardMonitor(Pasteboard &pasteboard, const Preferences &pr
 ClipboardMonitor::~ClipboardMonitor()
 {
     d->waiting.clear();
+    if (d->timer.isActive())
+        poll(); // the copy made just before the end
     d->worker.finish();
     d->deliverReady(this);
 }

@@ -19,7 +19,7 @@ public:
     static constexpr int pollInterval = 350; // milliseconds
 
     ClipboardMonitor(Pasteboard &pasteboard, const Preferences &prefs);
-    ~ClipboardMonitor() override; // waits for the captures under way and delivers them
+    ~ClipboardMonitor() override; // delivers every copy read until now
 
     std::function<void(CapturedClip)> onCapture;
 

@@ -19,6 +19,11 @@ constexpr QByteArrayView rasterFormats[] = {"png", "jpeg", "jpg", "gif", "tiff",
 constexpr qint64 maxDecodedPixels = 64'000'000;
 constexpr qsizetype maxJpegScans = 100;
 
+bool isRaster(const QByteArray &format)
+{
+    return std::ranges::find(rasterFormats, format) != std::end(rasterFormats);
+}
+
 bool isWorthDecoding(const QByteArray &bytes, const QByteArray &format, QSize size)
 {
     if (qint64{size.width()} * size.height() > maxDecodedPixels)
@@ -63,7 +68,7 @@ Thumbnail makeThumbnail(const QByteArray &imageBytes, int maxPixels)
     QImageReader reader(&buffer);
     reader.setAutoTransform(true);
     const QByteArray format = reader.format();
-    if (std::ranges::find(rasterFormats, format) == std::end(rasterFormats))
+    if (!isRaster(format))
         return {};
 
     const QSize size = reader.size();
@@ -82,4 +87,19 @@ Thumbnail makeThumbnail(const QByteArray &imageBytes, int maxPixels)
             image.scaled(fitted(image.size(), maxPixels), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     thumbnail.png = encodedPng(std::move(image));
     return thumbnail;
+}
+
+QImage decodedPicture(const QByteArray &imageBytes, int maxPixels)
+{
+    QBuffer buffer;
+    buffer.setData(imageBytes);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    const QByteArray format = reader.format();
+    const QSize size = reader.size();
+    if (!isRaster(format) || (size.isValid() && !isWorthDecoding(imageBytes, format, size)))
+        return {};
+    if (size.isValid() && isLarger(size, maxPixels))
+        reader.setScaledSize(fitted(size, maxPixels));
+    return reader.read();
 }

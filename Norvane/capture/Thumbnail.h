@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QImage>
 #include <QSizeF>
 #include <optional>
 
@@ -13,3 +14,7 @@ struct Thumbnail {
 
 // The longer side of the PNG is at most maxPixels; a smaller image is not enlarged. Orientation is applied.
 [[nodiscard]] Thumbnail makeThumbnail(const QByteArray &imageBytes, int maxPixels);
+
+// The picture for the screen, its longer side at most maxPixels, its orientation applied. Null for what is no
+// picture made of pixels or would take too much memory or time. Any thread.
+[[nodiscard]] QImage decodedPicture(const QByteArray &imageBytes, int maxPixels);

@@ -38,6 +38,7 @@ void writeFormats(const std::vector<ClipFormat> &formats, Pasteboard &pasteboard
     for (const auto &format : formats)
         itemsByNumber[format.item].representations.push_back({format.type, format.data});
     std::vector<PasteboardItem> items;
+    items.reserve(itemsByNumber.size());
     for (auto &[number, item] : itemsByNumber)
         items.push_back(std::move(item));
     pasteboard.write(std::move(items));
@@ -47,12 +48,20 @@ PasteService::PasteService(const Services &desktop) : services(desktop) {}
 
 void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
 {
-    const ClipPointer clip = chosen; // the list that `chosen` stands in changes below
+    // The list that `chosen` stands in changes below.
+    const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
     switch (mode) {
     case PasteMode::paste:
-    case PasteMode::copy:
-        writeFormats(services.store.formats(*clip), services.pasteboard);
+    case PasteMode::copy: {
+        const auto formats = services.store.formats(*clip);
+        if (formats.empty() &&
+            clip->size > 0) { // unreadable: what the user has on the pasteboard stays there
+            services.workspace.beep(nullptr);
+            return;
+        }
+        writeFormats(formats, services.pasteboard);
         break;
+    }
     case PasteMode::plain:
     case PasteMode::copyText:
         writeText(plainTextOf(*clip, services.store), services.pasteboard);

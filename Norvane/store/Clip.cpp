@@ -77,7 +77,9 @@ std::optional<QString> Clip::fullText(const ClipStore &store) const
     const auto data = dataOfType(store.formats(*this), u"public.utf8-plain-text");
     if (!data)
         return text;
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    // Stateless: a sequence that is cut off at the end is an error, not the beginning of more.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     QString whole = decoder(*data);
     return decoder.hasError() ? text : whole;
 }

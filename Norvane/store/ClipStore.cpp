@@ -123,7 +123,8 @@ void ClipStore::setPinned(const ClipPointer &clip, bool pinned)
 
 void ClipStore::remove(const ClipPointer &clip)
 {
-    const ClipPointer removed = clip; // `clip` may be the list's own
+    // `clip` may be the list's own.
+    const ClipPointer removed = clip; // NOLINT(performance-unnecessary-copy-initialization)
     if (db)
         db->run(HistorySQL::deleteClip, {removed->id});
     unsaved.erase(removed->id);

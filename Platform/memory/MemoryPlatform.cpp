@@ -2,8 +2,10 @@
 
 #include "Platform/KeyCodes.h"
 
+#include <QTimer>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -154,6 +156,24 @@ void MemoryPanelSurface::requestDismissal() const
         onDismissRequest();
 }
 
+void MemoryAccessibility::requestCaretRect(std::function<void(std::optional<QRectF>)> callback)
+{
+    pending = std::move(callback);
+    const int number = ++requestCount;
+    if (manner != Manner::prompt)
+        return;
+    QTimer::singleShot(0, &context, [this, number] {
+        if (number == requestCount)
+            answer();
+    });
+}
+
+void MemoryAccessibility::answer()
+{
+    if (const auto callback = std::exchange(pending, nullptr))
+        callback(caret);
+}
+
 void MemoryStatusItem::setTray(bool present)
 {
     const bool before = isAvailable();
@@ -175,6 +195,12 @@ void MemoryStatusItem::choose(const QString &title) const
             return;
         }
     }
+}
+
+void MemoryAppearance::setColorScheme(ColorScheme value)
+{
+    if (std::exchange(scheme, value) != value && onChange)
+        onChange();
 }
 
 MemoryInstance::~MemoryInstance()
@@ -211,6 +237,8 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->panelSurface = std::make_unique<MemoryPanelSurface>();
     platform->keyEvents = std::make_unique<MemoryKeyEvents>();
     platform->screens = std::make_unique<MemoryScreens>();
+    platform->accessibility = std::make_unique<MemoryAccessibility>();
     platform->statusItem = std::make_unique<MemoryStatusItem>();
+    platform->appearance = std::make_unique<MemoryAppearance>();
     return platform;
 }

@@ -120,6 +120,35 @@ public:
     QPointF pointerPosition{800, 500};
 };
 
+// Programs whose caret lies where `caret` says.
+class MemoryAccessibility : public Accessibility {
+public:
+    enum class Manner {
+        prompt, // answers from the event loop
+        told,   // answers when `answer` is called, be it too late
+        silent, // never answers
+    };
+
+    [[nodiscard]] bool caretAvailable() const override { return available; }
+    void setCaretWanted(bool wanted) override { caretWanted = wanted; }
+    void requestCaretRect(std::function<void(std::optional<QRectF>)> callback) override;
+    void cancel() override { pending = nullptr; }
+
+    // Answers the open request; nothing when there is none, as one that was dropped.
+    void answer();
+    [[nodiscard]] bool isAsked() const { return pending != nullptr; }
+
+    bool available = true;
+    Manner manner = Manner::prompt;
+    std::optional<QRectF> caret;
+    bool caretWanted = false;
+    int requestCount = 0;
+
+private:
+    std::function<void(std::optional<QRectF>)> pending;
+    QObject context; // drops what is queued when this dies
+};
+
 class MemoryStatusItem : public StatusItem {
 public:
     void show() override { shown = true; }
@@ -140,6 +169,17 @@ public:
     bool paused = false;
     int menuChanges = 0;
     std::optional<QPoint> lastPopUp;
+};
+
+class MemoryAppearance : public Appearance {
+public:
+    [[nodiscard]] ColorScheme colorScheme() const override { return scheme; }
+
+    // The user changes the desktop's setting.
+    void setColorScheme(ColorScheme value);
+
+private:
+    ColorScheme scheme = ColorScheme::noPreference;
 };
 
 // The instances that share a room see each other, as two starts on one desktop do.

@@ -311,5 +311,17 @@
         <source>Menu</source>
         <translation>Menu</translation>
     </message>
+    <message>
+        <source>Cronologia</source>
+        <translation>History</translation>
+    </message>
+    <message>
+        <source>Filtro</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>Anteprima</source>
+        <translation>Preview</translation>
+    </message>
 </context>
 </TS>

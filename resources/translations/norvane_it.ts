@@ -311,5 +311,17 @@
         <source>Menu</source>
         <translation>Menu</translation>
     </message>
+    <message>
+        <source>Cronologia</source>
+        <translation>Cronologia</translation>
+    </message>
+    <message>
+        <source>Filtro</source>
+        <translation>Filtro</translation>
+    </message>
+    <message>
+        <source>Anteprima</source>
+        <translation>Anteprima</translation>
+    </message>
 </context>
 </TS>

@@ -180,6 +180,18 @@ TEST_F(ClipboardMonitorTest, AnEndDeliversWhatWasNoticedAndDropsTheRest)
     EXPECT_FALSE(called);
 }
 
+TEST_F(ClipboardMonitorTest, ACopyRightBeforeTheEndIsRecordedUnlessItIsOurOwn)
+{
+    pasteboard.copyText(u"last"_qs);
+    monitor.reset();
+    EXPECT_EQ(texts, QStringList(u"last"_qs));
+    makeMonitor();
+    pasteboard.write({textItem(u"ours"_qs)});
+    monitor->ignoreCurrentChange();
+    monitor.reset();
+    EXPECT_EQ(texts, QStringList(u"last"_qs));
+}
+
 TEST_F(ClipboardMonitorTest, AReceiverMayEndTheMonitor)
 {
     monitor->onCapture = [this](const CapturedClip &clip) {

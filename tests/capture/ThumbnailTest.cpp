@@ -155,6 +155,7 @@ TEST(Thumbnail, ImageBombsGiveTheirSizeOnly)
         const auto thumbnail = makeThumbnail(bomb, maxPixels);
         EXPECT_EQ(thumbnail.pixelSize, QSizeF(60000, 60000));
         EXPECT_FALSE(thumbnail.png);
+        EXPECT_TRUE(decodedPicture(bomb, 4096).isNull());
     }
 }
 
@@ -206,6 +207,7 @@ TEST(Thumbnail, DrawingsAreNoPictures)
     const QByteArray svg = R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10"><rect/></svg>)";
     EXPECT_EQ(makeThumbnail(svg, maxPixels).pixelSize, QSizeF(0, 0));
     EXPECT_FALSE(makeThumbnail(svg, maxPixels).png);
+    EXPECT_TRUE(decodedPicture(svg, 4096).isNull());
 }
 
 TEST(Thumbnail, NothingButPixelsGetsThrough)

@@ -80,6 +80,17 @@ QString Accessible::name() const
     return property(accessibleInterface, QStringLiteral("Name")).toString();
 }
 
+QString Accessible::description() const
+{
+    return property(accessibleInterface, QStringLiteral("Description")).toString();
+}
+
+bool Accessible::press() const
+{
+    const auto answer = ask(QStringLiteral("org.a11y.atspi.Action"), QStringLiteral("DoAction"), {0});
+    return !answer.isEmpty() && answer.first().toBool();
+}
+
 QString Accessible::role() const
 {
     const auto answer = ask(accessibleInterface, QStringLiteral("GetRoleName"));
@@ -154,4 +165,23 @@ QString Accessible::tree(int indent) const
     for (const auto &child : children())
         lines += child.tree(indent + 2);
     return lines;
+}
+
+SelectionEvents::SelectionEvents()
+{
+    // Programs only tell what somebody has registered for.
+    auto registration = QDBusMessage::createMethodCall(
+        QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("/org/a11y/atspi/registry"),
+        QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("RegisterEvent"));
+    registration << QStringLiteral("object:state-changed:selected") << QStringList() << QString();
+    accessibilityBus().call(registration, QDBus::Block, answerBound);
+    accessibilityBus().connect(QString(), QString(), QStringLiteral("org.a11y.atspi.Event.Object"),
+                               QStringLiteral("StateChanged"), this, SLOT(stateChanged(QDBusMessage)));
+}
+
+void SelectionEvents::stateChanged(const QDBusMessage &message)
+{
+    const auto arguments = message.arguments();
+    if (arguments.value(0) == QLatin1String("selected") && arguments.value(1).toInt() == 1)
+        objects.push_back(Accessible(message.service(), message.path()));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDBusMessage>
+#include <QObject>
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -20,6 +22,7 @@ public:
     [[nodiscard]] static std::optional<Accessible> application(qint64 pid);
 
     [[nodiscard]] QString name() const;
+    [[nodiscard]] QString description() const;
     [[nodiscard]] QString role() const; // "text", "list item", "label", …
     [[nodiscard]] QString text() const; // what a text field or view holds
     [[nodiscard]] bool is(State state) const;
@@ -32,10 +35,16 @@ public:
     // All of them.
     [[nodiscard]] std::vector<Accessible> all(const std::function<bool(const Accessible &)> &test) const;
 
+    // Does what the object does when it is pressed; false when it can do nothing.
+    [[nodiscard]] bool press() const;
+
     // One line an object, indented: for the log of a test that failed.
     [[nodiscard]] QString tree(int indent = 0) const;
 
+    bool operator==(const Accessible &) const = default;
+
 private:
+    friend class SelectionEvents;
     Accessible(QString bus, QString object) : service(std::move(bus)), path(std::move(object)) {}
     [[nodiscard]] QVariantList ask(const QString &interface, const QString &method,
                                    const QVariantList &arguments = {}) const;
@@ -43,4 +52,21 @@ private:
 
     QString service;
     QString path;
+};
+
+// What programs tell a screen reader as it happens: each object that has become the selected one. Needs the
+// event loop; main thread.
+class SelectionEvents : public QObject {
+    Q_OBJECT
+
+public:
+    SelectionEvents(); // listens from now on
+
+    [[nodiscard]] const std::vector<Accessible> &selected() const { return objects; }
+
+private Q_SLOTS:
+    void stateChanged(const QDBusMessage &message);
+
+private:
+    std::vector<Accessible> objects;
 };

@@ -129,9 +129,13 @@ void filesPasted(Stage &stage)
     const auto elsewhere = stage.scratchFile(QStringLiteral("barn"));
     QDir().mkpath(elsewhere);
     const auto manager = openFolder(stage, elsewhere);
-    stage.choose(QStringLiteral("apples spaces"));
     const auto names = [](const QString &path) { return QDir(path).entryList(QDir::Files, QDir::Name); };
-    require(stage.desktop.waitFor([&] { return names(elsewhere) == names(folder.path); }),
+    // A folder that pcmanfm has only just opened takes no paste and says nothing: a person would press again.
+    const auto pasted = [&] {
+        stage.choose(QStringLiteral("apples spaces"));
+        return stage.desktop.waitFor([&] { return names(elsewhere) == names(folder.path); });
+    };
+    require(pasted() || (names(elsewhere).isEmpty() && pasted()),
             QStringLiteral("the other folder holds: ") + names(elsewhere).join(QLatin1Char(' ')));
     require(names(folder.path).size() == folder.files.size(), QStringLiteral("the originals are gone"));
 }

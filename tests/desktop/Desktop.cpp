@@ -1,5 +1,6 @@
 #include "tests/desktop/Desktop.h"
 
+#include <QList>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -127,7 +128,8 @@ bool Desktop::activate(xcb_window_t window) const
         return waitFor([&] { return hasKeyboard(window); });
     }
     const auto isActive = [&] { return activeWindow() == window && hasKeyboard(window); };
-    // A new window becomes active by itself. Asking as well would make it so a second time, at any moment later.
+    // A new window becomes active by itself. Asking as well would make it so a second time, at any moment
+    // later.
     if (waitFor(isActive, byItself))
         return true;
     xcb_client_message_event_t message{};

@@ -135,12 +135,12 @@ void Keyboard::point(QPoint where) const
     finish();
 }
 
-void Keyboard::click(QPoint where, int times) const
+void Keyboard::click(QPoint where, int times, uint8_t button) const
 {
     point(where);
     for (int i = 0; i < times; ++i) {
-        fake(XCB_BUTTON_PRESS, 1);
-        fake(XCB_BUTTON_RELEASE, 1);
+        fake(XCB_BUTTON_PRESS, button);
+        fake(XCB_BUTTON_RELEASE, button);
     }
     finish();
 }

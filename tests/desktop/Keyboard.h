@@ -20,8 +20,8 @@ public:
     // Types a text, one key after the other. False, with nothing typed, when the layout lacks a character.
     bool type(const QString &text) const;
 
-    // Clicks the left button at a point of the root window, `times` in a row.
-    void click(QPoint where, int times = 1) const;
+    // Clicks a button (1: the left, 3: the right one) at a point of the root window, `times` in a row.
+    void click(QPoint where, int times = 1, uint8_t button = 1) const;
 
     // Presses the left button at one point of the root window and releases it at another, in a few steps.
     void drag(QPoint from, QPoint to) const;

@@ -73,13 +73,16 @@ Child::Setting Stage::commandLine() const
     return {programPath,
             {},
             logFile(QStringLiteral("norvane.log")),
-            {QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1"), QStringLiteral("LANGUAGE=") + language,
-             QStringLiteral("XDG_DATA_HOME=") + dataFolder}};
+            QStringList{QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1"),
+                        QStringLiteral("LANGUAGE=") + language,
+                        QStringLiteral("XDG_DATA_HOME=") + dataFolder} +
+                extraVariables};
 }
 
-void Stage::start(const QString &spoken, const QString &data)
+void Stage::start(const QString &spoken, const QString &data, const QStringList &variables)
 {
     language = spoken;
+    extraVariables = variables;
     dataFolder = scratch.filePath(data);
     QDir().mkpath(dataFolder);
     running.reset();

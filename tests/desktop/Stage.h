@@ -49,7 +49,9 @@ public:
         700}; // two polls of the clipboard: what did not happen by then won't
 
     // Starts Norvane and waits until it answers. `data` names its data folder: another one, another history.
-    void start(const QString &language = QStringLiteral("en"), const QString &data = QStringLiteral("data"));
+    // `variables` ("NAME=value") are added to its environment.
+    void start(const QString &language = QStringLiteral("en"), const QString &data = QStringLiteral("data"),
+               const QStringList &variables = {});
     void quit(); // by SIGTERM; requires exit status 0
     [[nodiscard]] Child &norvane() const { return *running; }
     [[nodiscard]] bool isRunning() const { return running && running->isRunning(); }
@@ -103,6 +105,7 @@ private:
     QTemporaryDir scratch;
     QString dataFolder;
     QString language;
+    QStringList extraVariables;
     std::unique_ptr<Child> running;
     int files = 0;
 };
@@ -120,3 +123,4 @@ Steps privacySteps();
 Steps panelSteps();
 Steps lifeSteps();
 Steps screenSteps();
+Steps looksSteps();

@@ -76,6 +76,18 @@ protected:
     bool askedBefore = false;
 };
 
+TEST_F(PasteServiceTest, AClipThatCannotBeReadLeavesThePasteboardAsItIs)
+{
+    const ClipPointer lost = copied({itemOf(plainText, "lost")});
+    store.remove(lost); // its formats are gone from the file
+    copied({itemOf(plainText, "dear to the user")});
+    service.paste(lost, PasteMode::paste);
+    letPasteHappen();
+    EXPECT_EQ(contents().at(0).data(plainText), QByteArray("dear to the user"));
+    EXPECT_EQ(keyEvents.pasteCount, 0);
+    EXPECT_EQ(workspace.beepCount, 1);
+}
+
 TEST_F(PasteServiceTest, PasteGivesBackEveryItemAsItWasCopied)
 {
     const std::vector<PasteboardItem> items{
@@ -187,8 +199,7 @@ TEST_F(PasteServiceTest, AMissingPermissionIsAskedForOnceInALifetime)
 
 TEST_F(PasteServiceTest, AClipWithoutFormatsEmptiesThePasteboard)
 {
-    const auto clip = copied({itemOf(plainText, "uno")});
-    store.remove(clip);
+    const auto clip = store.add(CapturedClip{}); // as the file may hold one
     pasteboard.copyText(u"due"_qs);
     service.paste(clip, PasteMode::copy);
     EXPECT_TRUE(contents().empty());

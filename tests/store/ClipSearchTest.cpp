@@ -1,7 +1,7 @@
 #include "Norvane/store/ClipSearch.h"
 
-#include "tests/store/ScratchHistory.h"
 #include "Vesmo/Localisation.h"
+#include "tests/store/ScratchHistory.h"
 
 #include <QCoreApplication>
 #include <QRandomGenerator>

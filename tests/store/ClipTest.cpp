@@ -38,6 +38,9 @@ TEST(Clip, LongTextStaysShortWhereTheFormatIsMissingOrNoUTF8)
     auto broken = ScratchHistory::textCapture(QString(250000, QLatin1Char('a')));
     broken.formats.front().data = QByteArray(250000, '\xE8');
     EXPECT_EQ(history.add(broken)->fullText(*history.store)->size(), 200000);
+    auto cut = ScratchHistory::textCapture(QString(250000, QLatin1Char('c')));
+    cut.formats.front().data += "\xE2\x82"; // the beginning of a euro sign
+    EXPECT_EQ(history.add(cut)->fullText(*history.store)->size(), 200000);
     auto other = ScratchHistory::textCapture(QString(250000, QLatin1Char('b')));
     other.formats.front().type = QStringLiteral("public.rtf");
     EXPECT_EQ(history.add(other)->fullText(*history.store)->size(), 200000);

@@ -65,6 +65,16 @@ TEST(ClipTitlesTest, LongTitlesAreCutBetweenCharacters)
     EXPECT_EQ(clusterCount(titleText(textClip(families), 240)), 241);
 }
 
+TEST(ClipTitlesTest, EndlessMarksAreCutSinceDrawingThemTakesSeconds)
+{
+    Clip clip;
+    clip.text = QString(u'a') + QString(1'000'000, QChar(0x301));
+    EXPECT_LT(titleText(clip, 240).size(), 10000);
+    clip.kind = ClipKind::files;
+    clip.text.prepend(u'/');
+    EXPECT_LT(titleText(clip, 240).size(), 10000);
+}
+
 TEST(ClipTitlesTest, DetailNamesApplicationAgeAndMeasure)
 {
     Clip clip = textClip(u"caffè 👍🏽"_s);

@@ -27,6 +27,7 @@ TEST(PanelPlacementTest, SizeComesFromTheSettingsWithinItsLimits)
     EXPECT_EQ(PanelPlacement::initialSize(0, 0), QSizeF(780, 470));
     EXPECT_EQ(PanelPlacement::initialSize(300, 200), QSizeF(460, 300));
     EXPECT_EQ(PanelPlacement::initialSize(900, 0), QSizeF(900, 470));
+    EXPECT_EQ(PanelPlacement::initialSize(1e300, -5), QSizeF(32767, 300));
 }
 
 TEST(PanelPlacementTest, OpensAtItsAnchorAndStaysInsideTheScreen)

@@ -3,6 +3,7 @@
 #include "Norvane/ClipViews.h"
 #include "Norvane/FilterControl.h"
 #include "Norvane/PopupPanel.h"
+#include "Norvane/PreviewPane.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
@@ -331,6 +332,19 @@ TEST_F(PopupControllerTest, SizeIsRememberedWhenItCloses)
     popup.hide();
     EXPECT_EQ(platform->defaults->real(u"panelWidth"_s), 900);
     EXPECT_EQ(platform->defaults->real(u"panelHeight"_s), 500);
+}
+
+TEST_F(PopupControllerTest, EveryOpeningFollowsThePreviewSetting)
+{
+    addText(u"uno"_s);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return count() == u"1 elementi"_s; })) << "prepared while hidden";
+    for (const bool shown : {false, true}) {
+        prefs.setShowPreview(shown);
+        popup.show();
+        EXPECT_EQ(!popup.window().previewPane->isHidden(), shown);
+        popup.hide();
+    }
+    EXPECT_TRUE(popup.window().previewPane->information().startsWith(u"Testo"_s));
 }
 
 TEST_F(PopupControllerTest, ClosesWhenTheDesktopAsksForIt)

@@ -64,11 +64,16 @@ protected:
 TEST_F(PreviewPaneTest, InformationSaysWhatIsShown)
 {
     pane.show(addText(u"a\nb\n"_s), store);
-    EXPECT_TRUE(pane.information().startsWith(u"Testo · 4 caratteri · 3 righe · "_s)) << pane.information().toStdString();
+    EXPECT_TRUE(pane.information().startsWith(u"Testo · 4 caratteri · 3 righe · "_s))
+        << pane.information().toStdString();
     pane.show(addText(u"una riga"_s), store);
     EXPECT_TRUE(pane.information().contains(u"1 riga"_s));
+    pane.show(addImage(30, 20), store);
+    EXPECT_FALSE(pane.information().contains(u"lettura"_s)) << "nothing here reads images";
+    pane.setReadsImages(true);
     pane.show(addImage(40, 20), store);
-    EXPECT_TRUE(pane.information().startsWith(u"Immagine · 40×20 px · "_s)) << pane.information().toStdString();
+    EXPECT_TRUE(pane.information().startsWith(u"Immagine · 40×20 px · "_s))
+        << pane.information().toStdString();
     EXPECT_TRUE(pane.information().contains(u"lettura del testo…"_s));
     pane.show(nullptr, store);
     EXPECT_TRUE(pane.information().isEmpty());

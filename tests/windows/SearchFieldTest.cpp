@@ -55,6 +55,36 @@ TEST_F(SearchFieldTest, PasteInsertsOneLineAtTheCaret)
     EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno dueuno due]"_s; }));
 }
 
+TEST_F(SearchFieldTest, DeletingALineLeavesEveryClipboardAlone)
+{
+    show();
+    pasteboard.copyText(u"copied"_s);
+    QGuiApplication::clipboard()->setText(u"theirs"_s);
+    field.setText(u"uno due"_s);
+    field.setCursorPosition(3);
+    QTest::keyClick(&field, Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(field.text(), u"uno"_s);
+    QTest::keyClick(&field, Qt::Key_U, Qt::ControlModifier);
+    EXPECT_EQ(field.text(), QString());
+    QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(field.text(), u"uno"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"theirs"_s);
+    EXPECT_EQ(copied(), "copied");
+}
+
+TEST_F(SearchFieldTest, SelectingWithTheMouseLeavesThePrimarySelectionAlone)
+{
+    show();
+    QGuiApplication::clipboard()->setText(u"theirs"_s, QClipboard::Selection);
+    field.setText(u"uno due"_s);
+    const QPoint from = field.rect().center();
+    QTest::mousePress(&field, Qt::LeftButton, {}, {field.width() - 2, from.y()});
+    QTest::mouseMove(&field, {2, from.y()});
+    QTest::mouseRelease(&field, Qt::LeftButton, {}, {2, from.y()});
+    EXPECT_TRUE(field.hasSelectedText());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(QClipboard::Selection), u"theirs"_s);
+}
+
 TEST_F(SearchFieldTest, AHungOwnerChangesNothing)
 {
     show();

@@ -1,9 +1,27 @@
 #include "Platform/Log.h"
 #include "Platform/linux/compose/LinuxPlatform.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
+namespace {
+
+// Started without one (by a service manager, by cron), the toolkit would keep the history in the root folder.
+void findHome()
+{
+    if (!qEnvironmentVariableIsEmpty("HOME"))
+        return;
+    const passwd *user = ::getpwuid(::getuid());
+    if (user && user->pw_dir && *user->pw_dir == '/')
+        qputenv("HOME", user->pw_dir);
+}
+
+} // namespace
+
 // Our windows and services are X11's: a Wayland session serves them through its X server for such programs.
 void prepareLinuxEnvironment()
 {
+    findHome();
     const bool isWayland =
         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qgetenv("XDG_SESSION_TYPE") == "wayland";
     const QByteArray plugin = qgetenv("QT_QPA_PLATFORM");

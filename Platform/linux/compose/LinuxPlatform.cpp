@@ -1,6 +1,8 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include "Platform/linux/compose/AbsentPasteboard.h"
+#include "Platform/linux/dbus/AtSpiCaret.h"
+#include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
@@ -12,6 +14,19 @@
 #include "Platform/linux/x11/X11Workspace.h"
 #include "Platform/linux/xdg/XdgDesktopEntries.h"
 #include "Platform/linux/xdg/XdgUserDefaults.h"
+
+namespace {
+
+// The window whose caret is asked for; absent on an empty desktop.
+std::optional<CaretWindow> caretWindow(const X11Workspace &workspace)
+{
+    const auto area = workspace.rememberedArea();
+    if (!area)
+        return std::nullopt;
+    return CaretWindow{workspace.remembered()->identity().pid, *area};
+}
+
+} // namespace
 
 std::unique_ptr<ApplicationInstance> makeApplicationInstance()
 {
@@ -31,6 +46,9 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     auto hotKeys = X11HotKeys::create();
     platform->panelSurface = std::make_unique<X11PanelSurface>(*hotKeys, *workspace);
 
+    platform->accessibility =
+        std::make_unique<AtSpiCaret>([desktop = workspace.get()] { return caretWindow(*desktop); });
+
     std::function<void()> ownPrimary = [] {};
     if (auto pasteboard = X11Pasteboard::create(entries)) {
         ownPrimary = [served = pasteboard.get()] { served->ownPrimary(); };
@@ -44,5 +62,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->hotKeys = std::move(hotKeys);
     platform->screens = std::make_unique<X11Screens>();
     platform->statusItem = std::make_unique<TrayStatusItem>();
+    platform->appearance = std::make_unique<DBusAppearance>();
     return platform;
 }

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QStringList>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -61,6 +63,20 @@ bool handshakeBegins(int descriptor, int limit)
 }
 
 } // namespace
+
+QString sessionBusAddress()
+{
+    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (address.startsWith(u"autolaunch:"))
+        return {};
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!address.isEmpty() || runtimeFolder.isEmpty())
+        return address;
+    const QString socket = runtimeFolder + QStringLiteral("/bus");
+    if (!QFileInfo::exists(socket))
+        return {};
+    return QStringLiteral("unix:path=") + QString::fromLatin1(socket.toUtf8().toPercentEncoding("/"));
+}
 
 bool busAnswers(const QString &address, int limit)
 {

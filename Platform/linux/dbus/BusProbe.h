@@ -2,6 +2,10 @@
 
 #include <QString>
 
+// Where the session's bus is said to be; empty when there is none. Never left to libdbus, which would start
+// one.
+[[nodiscard]] QString sessionBusAddress();
+
 // Whether the bus at an address (as in DBUS_SESSION_BUS_ADDRESS) is alive: it answers the first line of the
 // handshake within `limit` milliseconds.
 //

@@ -1,11 +1,10 @@
 #include "Platform/linux/dbus/InstanceBus.h"
 
-#include "Platform/linux/dbus/BusProbe.h"
 #include "Platform/linux/dbus/InstanceActions.h"
 #include "Platform/linux/dbus/OpenApplication.h"
+#include "Platform/linux/dbus/SessionBus.h"
 
 #include <QDBusConnectionInterface>
-#include <QFileInfo>
 #include <QTimer>
 
 namespace {
@@ -13,31 +12,13 @@ namespace {
 const QString sharedName = QStringLiteral("com.norvane.app");
 const QString objectPath = QStringLiteral("/com/norvane/app");
 
-// Where the session's bus is said to be. Never left to libdbus, which would start one where none is.
-QString busAddress()
-{
-    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    if (address.startsWith(u"autolaunch:"))
-        return {};
-    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (!address.isEmpty() || runtimeFolder.isEmpty())
-        return address;
-    const QString socket = runtimeFolder + QStringLiteral("/bus");
-    if (!QFileInfo::exists(socket))
-        return {};
-    return QStringLiteral("unix:path=") + QString::fromLatin1(socket.toUtf8().toPercentEncoding("/"));
-}
-
 } // namespace
 
 std::unique_ptr<InstanceBus> InstanceBus::connect(const QString &displayName)
 {
     static int connections = 0;
-    const QString address = busAddress();
-    if (address.isEmpty() || !busAnswers(address, instanceAnswerLimit))
-        return nullptr;
-    const auto bus = QDBusConnection::connectToBus(address, QStringLiteral("norvane-%1").arg(++connections));
-    return bus.isConnected() ? std::unique_ptr<InstanceBus>(new InstanceBus(bus, displayName)) : nullptr;
+    const auto bus = connectToSessionBus(QStringLiteral("norvane-%1").arg(++connections));
+    return bus ? std::unique_ptr<InstanceBus>(new InstanceBus(*bus, displayName)) : nullptr;
 }
 
 InstanceBus::InstanceBus(const QDBusConnection &busConnection, const QString &displayName)

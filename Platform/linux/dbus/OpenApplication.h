@@ -17,11 +17,12 @@ public:
     OpenApplication(QObject *object, const QDBusConnection &answeringConnection,
                     std::function<void(const QString &)> actionHandler);
 
-public Q_SLOTS:
-    void Activate(const QVariantMap &platformData); // NOLINT: the names are the interface's
+public Q_SLOTS: // NOLINTBEGIN(readability-identifier-naming): the names are the interface's
+    void Activate(const QVariantMap &platformData);
     void Open(const QStringList &addresses, const QVariantMap &platformData);
     void ActivateAction(const QString &action, const QVariantList &parameters,
                         const QVariantMap &platformData, const QDBusMessage &message);
+    // NOLINTEND(readability-identifier-naming)
 
 private:
     QDBusConnection connection;

@@ -103,6 +103,7 @@ int KeyGrab::grabVariants(const Key &wanted)
             masks.push_back(variant);
     }
     std::vector<xcb_void_cookie_t> cookies;
+    cookies.reserve(masks.size());
     for (const quint16 variant : masks) {
         cookies.push_back(xcb_grab_key_checked(connection->raw(), 0, connection->root(), variant, wanted.code,
                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));

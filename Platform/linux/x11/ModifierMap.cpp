@@ -31,7 +31,7 @@ quint16 modifierOf(const ModifierMap &map, const std::array<xcb_keysym_t, 2> &wa
 {
     for (size_t modifier = 0; modifier < map.keys.size(); ++modifier) {
         for (const xcb_keycode_t key : map.keys[modifier]) {
-            const xcb_keysym_t *first = symbols + (key - firstKey) * perKey;
+            const xcb_keysym_t *first = symbols + static_cast<ptrdiff_t>(key - firstKey) * perKey;
             for (int i = 0; i < perKey; ++i) {
                 if (first[i] == wanted[0] || first[i] == wanted[1])
                     return static_cast<quint16>(1U << modifier);

@@ -42,27 +42,23 @@ void PanelShape::update()
     if (!panel || panel->windowHandle() == nullptr)
         return;
     const bool canBeSmooth = compositor.isPresent() && panel->windowHandle()->format().hasAlpha();
-    if (shapedSize == panel->size() && smooth == canBeSmooth)
+    const double scale = panel->devicePixelRatioF();
+    const QSize pixels = (QSizeF(panel->size()) * scale).toSize();
+    if (shapedSize == pixels && smooth == canBeSmooth)
         return;
     const bool changed = smooth != canBeSmooth;
     smooth = canBeSmooth;
-    shapedSize = panel->size();
-    if (smooth) {
-        const double scale = panel->devicePixelRatioF();
-        setInput(roundedRegion((QSizeF(shapedSize) * scale).toSize(), qRound(cornerRadius * scale)));
-        if (changed)
-            panel->clearMask();
-    } else {
-        if (changed)
-            setInput({});
-        panel->setMask(roundedRegion(shapedSize, qRound(cornerRadius)));
-    }
+    shapedSize = pixels;
+    // Not by QWidget::setMask, which cuts in whole points: steps of two pixels on a finer screen.
+    const QRegion rounded = roundedRegion(pixels, qRound(cornerRadius * scale));
+    setShape(XCB_SHAPE_SK_BOUNDING, smooth ? QRegion() : rounded);
+    setShape(XCB_SHAPE_SK_INPUT, smooth ? rounded : QRegion());
     if (changed)
         panel->update();
 }
 
-// On Qt's own connection, so that it comes in order with what Qt does to the window. Empty: as the window is.
-void PanelShape::setInput(const QRegion &region) const
+// On Qt's own connection, so that it comes in order with what Qt does to the window. Empty: the whole window.
+void PanelShape::setShape(quint8 kind, const QRegion &region) const
 {
     const auto *native = qApp->nativeInterface<QNativeInterface::QX11Application>();
     if (native == nullptr)
@@ -70,13 +66,14 @@ void PanelShape::setInput(const QRegion &region) const
     xcb_connection_t *connection = native->connection();
     const auto window = static_cast<xcb_window_t>(panel->winId());
     if (region.isEmpty()) {
-        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0, XCB_PIXMAP_NONE);
+        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, kind, window, 0, 0, XCB_PIXMAP_NONE);
         return;
     }
     std::vector<xcb_rectangle_t> rectangles;
+    rectangles.reserve(static_cast<size_t>(region.rectCount()));
     for (const QRect &part : region)
         rectangles.push_back({static_cast<int16_t>(part.x()), static_cast<int16_t>(part.y()),
                               static_cast<uint16_t>(part.width()), static_cast<uint16_t>(part.height())});
-    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window,
-                         0, 0, static_cast<uint32_t>(rectangles.size()), rectangles.data());
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+                         static_cast<uint32_t>(rectangles.size()), rectangles.data());
 }

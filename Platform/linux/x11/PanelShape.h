@@ -22,10 +22,10 @@ public:
     void update();
 
 private:
-    void setInput(const QRegion &region) const;
+    void setShape(quint8 kind, const QRegion &region) const; // in pixels
 
     CompositorWatch compositor;
     QPointer<QWidget> panel;
-    QSize shapedSize; // invalid: not yet
+    QSize shapedSize; // in pixels; invalid: not yet
     bool smooth = false;
 };

@@ -100,7 +100,11 @@ std::vector<PasteboardThread::Report> PasteboardThread::takeReports()
 
 void PasteboardThread::setPolicy(const PasteboardPolicy &policy)
 {
-    post([this, policy] { watch.setPolicy(policy); });
+    {
+        const std::lock_guard lock(mutex);
+        newPolicy = policy;
+    }
+    wakeSignal.set();
 }
 
 void PasteboardThread::begin()
@@ -141,6 +145,7 @@ void PasteboardThread::run()
     while (!stopping && !x->isGone()) {
         runTasks();
         const bool more = handleEvents(eventsInOneGo);
+        runTasks(); // a copy is read by the policy that was set before it was made
         const TimePoint now = Clock::now();
         server.advance(now);
         watch.advance(now);
@@ -150,8 +155,22 @@ void PasteboardThread::run()
     end();
 }
 
+// Before each change of the owner too: a copy made after the policy was set must not be read by the one
+// before it, though the event may be here before the task.
+void PasteboardThread::applyPolicy()
+{
+    std::optional<PasteboardPolicy> policy;
+    {
+        const std::lock_guard lock(mutex);
+        policy.swap(newPolicy);
+    }
+    if (policy)
+        watch.setPolicy(*policy);
+}
+
 void PasteboardThread::runTasks()
 {
+    applyPolicy();
     std::vector<Task> taken;
     {
         const std::lock_guard lock(mutex);
@@ -184,6 +203,7 @@ void PasteboardThread::catchUp()
 void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
 {
     if (x->isOwnerChange(event)) {
+        applyPolicy();
         watch.handleOwnerChange(as<xcb_xfixes_selection_notify_event_t>(event), sequenceOf(event), now);
         return;
     }

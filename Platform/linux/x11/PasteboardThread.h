@@ -62,6 +62,7 @@ private:
 
     // On the thread.
     void run();
+    void applyPolicy();
     void runTasks();
     bool handleEvents(int limit);
     void handle(const xcb_generic_event_t &event, TimePoint now);
@@ -80,6 +81,7 @@ private:
 
     std::mutex mutex; // of what follows
     std::vector<Task> tasks;
+    std::optional<PasteboardPolicy> newPolicy;
     std::vector<Report> reports;
     bool ended = false;
 

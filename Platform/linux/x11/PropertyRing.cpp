@@ -14,6 +14,7 @@ constexpr std::chrono::seconds lateAnswerTime(30);
 PropertyRing::PropertyRing(PasteboardConnection &connection) : x(connection)
 {
     std::vector<QByteArray> names;
+    names.reserve(ringSize);
     for (int i = 0; i < ringSize; ++i)
         names.push_back("_NORVANE_ANSWER_" + QByteArray::number(i));
     for (const xcb_atom_t atom : internAtoms(x.raw(), names))

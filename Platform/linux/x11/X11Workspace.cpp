@@ -47,3 +47,20 @@ quint32 X11Workspace::rememberedWindow() const
 {
     return front ? front->window() : xcb_window_t(XCB_WINDOW_NONE);
 }
+
+std::optional<QRect> X11Workspace::rememberedArea() const
+{
+    const quint32 window = rememberedWindow();
+    if (window == XCB_WINDOW_NONE)
+        return std::nullopt;
+    const XcbConnection &server = front->server();
+    const auto geometryAsked = xcb_get_geometry(server.raw(), window);
+    const auto originAsked = xcb_translate_coordinates(server.raw(), window, server.root(), 0, 0);
+    const XcbReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(server.raw(), geometryAsked, nullptr));
+    const XcbReply<xcb_translate_coordinates_reply_t> origin(
+        xcb_translate_coordinates_reply(server.raw(), originAsked, nullptr));
+    if (!geometry || !origin)
+        return std::nullopt;
+    return QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
+}

@@ -4,7 +4,9 @@
 #include "Platform/Workspace.h"
 #include "Platform/linux/x11/RememberedWindow.h"
 
+#include <QRect>
 #include <memory>
+#include <optional>
 
 // Who is in front, from the window manager's properties or, without one, from the input focus. Without an X
 // server nobody is.
@@ -19,6 +21,10 @@ public:
 
     // The window that frontmostApplication() speaks of; XCB_WINDOW_NONE on an empty desktop.
     [[nodiscard]] quint32 rememberedWindow() const;
+
+    // Where the content of that window lies on the whole desktop, in the server's pixels; absent when there
+    // is none.
+    [[nodiscard]] std::optional<QRect> rememberedArea() const;
 
     // Null without an X server.
     [[nodiscard]] RememberedWindow *remembered() const { return front.get(); }

@@ -13,8 +13,10 @@ namespace {
 
 QStringList applicationFolders()
 {
-    QStringList roots{
-        qEnvironmentVariable("XDG_DATA_HOME", QDir::homePath() + QStringLiteral("/.local/share"))};
+    QString own = qEnvironmentVariable("XDG_DATA_HOME");
+    if (own.isEmpty())
+        own = QDir::homePath() + QStringLiteral("/.local/share");
+    QStringList roots{own};
     QString system = qEnvironmentVariable("XDG_DATA_DIRS");
     if (system.isEmpty())
         system = QStringLiteral("/usr/local/share:/usr/share");

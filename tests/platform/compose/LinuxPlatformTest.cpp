@@ -7,7 +7,9 @@
 #include <array>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <tuple>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -110,6 +112,20 @@ TEST_F(EnvironmentTest, AWaylandSessionIsUsedThroughX11AndSaysSoOnce)
     }
 }
 
+TEST(LinuxPlatform, AMissingHomeIsTheUsersOwn)
+{
+    const QByteArray before = qgetenv("HOME");
+    for (const char *given : {"", "/elsewhere"}) {
+        qputenv("HOME", given);
+        prepareLinuxEnvironment();
+        EXPECT_EQ(qgetenv("HOME"), *given ? given : ::getpwuid(::getuid())->pw_dir);
+    }
+    qunsetenv("HOME");
+    prepareLinuxEnvironment();
+    EXPECT_EQ(qgetenv("HOME"), ::getpwuid(::getuid())->pw_dir);
+    qputenv("HOME", before);
+}
+
 TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
 {
     QStringList log;
@@ -118,7 +134,8 @@ TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
         const auto platform = makeLinuxPlatform();
         EXPECT_TRUE(platform->defaults && platform->desktopEntries && platform->keyboardLayout &&
                     platform->workspace && platform->pasteboard && platform->hotKeys &&
-                    platform->panelSurface && platform->keyEvents && platform->screens);
+                    platform->panelSurface && platform->keyEvents && platform->screens &&
+                    platform->accessibility);
         EXPECT_FALSE(platform->screens->screens().empty());
         const qint64 before = platform->pasteboard->changeCount();
         const QString plainText = QString::fromUtf16(PasteboardType::plainText);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Platform/linux/dbus/AtSpiInquiry.h"
+
+// Looks for objects in a program's user interface.
+namespace AtSpiTree {
+
+// The objects that have the focus, outer ones before inner ones: one question where the program can search or
+// keeps a list of its objects, else a walk of bounded length through its windows.
+[[nodiscard]] std::vector<AtSpiObject> focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root);
+
+// The windows that the program calls active.
+[[nodiscard]] std::vector<AtSpiObject> activeWindows(const AtSpiInquiry &inquiry, const AtSpiObject &root);
+
+// The window that an object of the program lies in; null when it cannot be told.
+[[nodiscard]] AtSpiObject windowOf(const AtSpiInquiry &inquiry, const AtSpiObject &object,
+                                   const AtSpiObject &root);
+
+} // namespace AtSpiTree

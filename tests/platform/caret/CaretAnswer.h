@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Platform/linux/dbus/AtSpiCaret.h"
+
+#include <iosfwd>
+
+void PrintTo(const QRectF &rect, std::ostream *stream);
+
+struct CaretAnswer {
+    bool came = false;
+    std::optional<QRectF> caret;
+    qint64 milliseconds = 0; // from the request
+    qint64 largestGap = 0;   // milliseconds that the main thread's event loop stood still
+};
+
+// Runs the event loop until the answer comes, at most five seconds.
+[[nodiscard]] CaretAnswer askForCaret(Accessibility &service);

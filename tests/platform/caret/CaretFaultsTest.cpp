@@ -1,0 +1,310 @@
+// What programs and buses do to a question for the caret, on a bus of the test's own.
+
+#include "tests/platform/caret/CaretAnswer.h"
+#include "tests/platform/caret/ScriptedProgram.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QRect>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QRect windowArea(100, 50, 600, 400);
+constexpr qint64 inTime = 150; // milliseconds: the limit of 100, and two busy cores
+
+std::unique_ptr<AtSpiCaret> makeService()
+{
+    auto service = std::make_unique<AtSpiCaret>([] {
+        return std::optional(CaretWindow{QCoreApplication::applicationPid(), windowArea});
+    });
+    service->setCaretWanted(true);
+    return service;
+}
+
+bool waitForBus(const Accessibility &service, bool wanted = true)
+{
+    return QTest::qWaitFor([&] { return service.caretAvailable() == wanted; }, 10000);
+}
+
+// A program with one window and one text that has the focus, as a toolkit with a search has it.
+class ScriptedCaret : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(bus.start());
+        program = std::make_unique<ScriptedProgram>();
+        program->setChildren(u"program"_s, {u"window"_s});
+        program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"gtk"_s);
+        program->setExtents(u"window"_s, windowArea);
+        program->setExtents(u"text"_s, QRect(120, 80, 300, 200));
+        program->set(u"text"_s, AtSpi::accessible, u"GetInterfaces"_s,
+                     QVariantList{QStringList{AtSpi::text}});
+        program->setProperty(u"text"_s, AtSpi::text, u"CaretOffset"_s, 4);
+        setFocused({u"text"_s});
+        setCharacters([](int, uint) { return QRectF(200, 90, 9, 18); });
+        service = makeService();
+        ASSERT_TRUE(waitForBus(*service));
+    }
+
+    void setFocused(const QStringList &names)
+    {
+        QList<AtSpiObject> found;
+        for (const QString &name : names)
+            found.append(program->object(name));
+        program->set(u"program"_s, AtSpi::collection, u"GetMatches"_s,
+                     QVariantList{QVariant::fromValue(found)});
+    }
+
+    // Where the character at an offset is in these coordinates; absent when that is refused.
+    void setCharacters(const std::function<std::optional<QRectF>(int offset, uint coordinates)> &place)
+    {
+        program->set(
+            u"text"_s, AtSpi::text, u"GetCharacterExtents"_s,
+            [place](const QVariantList &arguments) -> std::optional<QVariantList> {
+                const auto rect = place(arguments[0].toInt(), arguments[1].toUInt());
+                if (!rect)
+                    return std::nullopt;
+                return QVariantList{int(rect->x()), int(rect->y()), int(rect->width()), int(rect->height())};
+            });
+    }
+
+    void setText(const QString &text)
+    {
+        program->set(u"text"_s, AtSpi::text, u"GetText"_s, [text](const QVariantList &arguments) {
+            const int start = arguments[0].toInt();
+            return std::optional(QVariantList{text.mid(start, arguments[1].toInt() - start)});
+        });
+    }
+
+    // What was found in the program at the start is no longer where the focus is.
+    bool moveFocusToButton()
+    {
+        program->tellFocus(u"button"_s);
+        return QTest::qWaitFor([this] { return caret() == std::nullopt; });
+    }
+
+    // An answer may come too late on a busy machine, and then is none; a wrong one stays wrong.
+    ::testing::AssertionResult becomes(const QRectF &place)
+    {
+        std::optional<QRectF> last;
+        if (QTest::qWaitFor([&] { return (last = caret()) == place; }, 3000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << ::testing::PrintToString(last);
+    }
+
+    std::optional<QRectF> caret() { return askForCaret(*service).caret; }
+
+    ScriptedBus bus;
+    std::unique_ptr<ScriptedProgram> program;
+    std::unique_ptr<AtSpiCaret> service;
+};
+
+TEST_F(ScriptedCaret, IsThatOfTheInnermostFocusedObjectWithAText)
+{
+    setFocused({u"window"_s, u"text"_s, u"filler"_s});
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
+}
+
+TEST_F(ScriptedCaret, AtAnEndWithoutAPlaceFollowsTheLastCharacter)
+{
+    setText(u"abcd"_s);
+    setCharacters([](int offset, uint) { return offset == 3 ? QRectF(200, 90, 9, 18) : QRectF(); });
+    EXPECT_TRUE(becomes(QRectF(209, 90, 0, 18)));
+    setText(u"abc\n"_s);
+    EXPECT_TRUE(becomes(QRectF(120, 108, 0, 18))) << "the line below";
+    setCharacters([](int, uint) { return QRectF(-1, -1, 0, 0); });
+    EXPECT_EQ(caret(), std::nullopt) << "somewhere in a field of many lines";
+    program->setExtents(u"text"_s, QRect(120, 80, 300, 30));
+    EXPECT_TRUE(becomes(QRectF(120, 80, 0, 30)));
+}
+
+TEST_F(ScriptedCaret, OfAToolkitThatCountsFromItsWindowIsOnTheScreen)
+{
+    program->set(u"program"_s, AtSpi::collection, u"GetMatches"_s,
+                 [](const QVariantList &) { return std::optional<QVariantList>(); });
+    AtSpiCacheItem window;
+    window.object = program->object(u"window"_s);
+    window.application = window.parent = program->object(u"program"_s);
+    window.states = {1U << AtSpi::stateFocused, 0};
+    AtSpiCacheItem text = window;
+    text.object = program->object(u"text"_s);
+    text.parent = window.object;
+    program->set(u"/org/a11y/atspi/cache"_s, AtSpi::cache, u"GetItems"_s,
+                 QVariantList{QVariant::fromValue(QList{text, window})});
+    program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"GTK"_s);
+    program->setExtents(u"window"_s, QRect(0, 0, 300, 200)); // half of what the server has
+    setCharacters([](int, uint coordinates) {
+        return coordinates == AtSpi::window ? std::optional(QRectF(20, 30, 9, 18)) : std::nullopt;
+    });
+    EXPECT_TRUE(becomes(QRectF(140, 110, 18, 36)));
+
+    setCharacters([](int, uint) { return std::optional<QRectF>(); });
+    program->setExtents(u"text"_s, QRect(10, 20, 200, 30));
+    EXPECT_TRUE(becomes(QRectF(120, 90, 0, 60))) << "a line of text tells its own place only";
+}
+
+TEST_F(ScriptedCaret, OfAProgramThatFillsItInLaterIsAskedForAgain)
+{
+    program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"Gecko"_s);
+    setText(u"abcd"_s);
+    setCharacters([asked = std::make_shared<int>(0)](int, uint) {
+        return ++*asked % 2 == 1 ? QRectF(-1, -1, 0, 0) : QRectF(300, 90, 9, 18);
+    });
+    EXPECT_TRUE(becomes(QRectF(300, 90, 9, 18)));
+}
+
+TEST_F(ScriptedCaret, IsRememberedWhileTheProgramNamesNoFocus)
+{
+    setFocused({});
+    ASSERT_TRUE(moveFocusToButton());
+    program->tellFocus(u"text"_s);
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
+    EXPECT_TRUE(moveFocusToButton());
+}
+
+TEST_F(ScriptedCaret, OutsideItsWindowIsNone)
+{
+    for (const QRectF &place : {QRectF(200, 460, 9, 18), QRectF(20, 90, 9, 18), QRectF(200, 90, 2000, 18),
+                                QRectF(200, 90, 9, -18), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
+        setCharacters([place](int, uint) { return place; });
+        setText(u"abcd"_s);
+        EXPECT_EQ(caret(), std::nullopt) << ::testing::PrintToString(place);
+    }
+}
+
+TEST_F(ScriptedCaret, OfAProgramThatAnswersNonsenseIsNone)
+{
+    const std::vector<std::function<void()>> nonsense{
+        [this] { program->set(u"text"_s, AtSpi::text, u"GetCharacterExtents"_s, QVariantList{u"left"_s}); },
+        [this] { program->setProperty(u"text"_s, AtSpi::text, u"CaretOffset"_s, u"four"_s); },
+        [this] { program->setProperty(u"text"_s, AtSpi::text, u"CaretOffset"_s, -1); },
+        [this] { program->set(u"text"_s, AtSpi::accessible, u"GetInterfaces"_s, QVariantList{7}); },
+        [this] { program->set(u"program"_s, AtSpi::collection, u"GetMatches"_s, QVariantList{u"all"_s}); },
+        [this] { program->set(u"/org/a11y/atspi/cache"_s, AtSpi::cache, u"GetItems"_s, QVariantList()); },
+        [this] { program->set(u"program"_s, AtSpi::accessible, u"GetChildren"_s, QVariantList{}); },
+        [this] { program->set(u"root"_s, AtSpi::accessible, u"GetChildren"_s, QVariantList{3.5}); },
+    };
+    for (const auto &make : nonsense) {
+        make();
+        const auto answer = askForCaret(*service);
+        EXPECT_TRUE(answer.came);
+        EXPECT_EQ(answer.caret, std::nullopt);
+    }
+}
+
+TEST_F(ScriptedCaret, IsNotLookedForInATreeWithoutEnd)
+{
+    program->set(u"program"_s, AtSpi::collection, u"GetMatches"_s,
+                 [](const QVariantList &) { return std::optional<QVariantList>(); });
+    for (const auto &name : {u"window"_s, u"filler"_s}) {
+        program->setChildren(name, {u"filler"_s, u"filler"_s, u"filler"_s});
+        program->setStates(name, {AtSpi::stateShowing});
+    }
+    ASSERT_TRUE(moveFocusToButton());
+    program->calls = 0;
+    const auto answer = askForCaret(*service);
+    EXPECT_TRUE(answer.came);
+    EXPECT_EQ(answer.caret, std::nullopt);
+    EXPECT_LT(answer.milliseconds, inTime);
+    EXPECT_LT(program->calls, 400) << "two questions an object, and 150 of these";
+}
+
+TEST_F(ScriptedCaret, NoAnswerComesToARequestThatWasDropped)
+{
+    int dropped = 0, kept = 0;
+    service->requestCaretRect([&](const auto &) { ++dropped; });
+    service->requestCaretRect([&](const auto &caret) { kept += caret ? 1 : 0; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return kept > 0; }));
+    service->requestCaretRect([&](const auto &) { ++dropped; });
+    service->cancel();
+    EXPECT_TRUE(caret()) << "a later request goes on";
+    EXPECT_EQ(dropped, 0);
+    EXPECT_EQ(kept, 1);
+}
+
+TEST_F(ScriptedCaret, IsAbsentInTimeWhileTheBusHangsAndTheMainThreadGoesOn)
+{
+    bus.stop();
+    for (int round = 0; round < 2; ++round) {
+        const auto answer = askForCaret(*service);
+        EXPECT_TRUE(answer.came);
+        EXPECT_EQ(answer.caret, std::nullopt);
+        EXPECT_LT(answer.milliseconds, inTime);
+        EXPECT_LT(answer.largestGap, 60);
+    }
+    bus.goOn();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return caret().has_value(); }));
+}
+
+TEST_F(ScriptedCaret, DoesNotKeepTheProgramFromEndingWhileTheBusHangs)
+{
+    bus.stop();
+    service->requestCaretRect([](const auto &) {});
+    QElapsedTimer ending;
+    ending.start();
+    service.reset();
+    EXPECT_LT(ending.elapsed(), 500);
+    bus.goOn();
+}
+
+TEST_F(ScriptedCaret, IsThereAgainAfterTheBusWasStartedAnew)
+{
+    bus.kill();
+    ASSERT_TRUE(waitForBus(*service, false));
+    const auto answer = askForCaret(*service);
+    EXPECT_TRUE(answer.came);
+    EXPECT_EQ(answer.caret, std::nullopt);
+    ASSERT_TRUE(bus.start());
+    EXPECT_TRUE(waitForBus(*service));
+}
+
+// A bus that takes connections and says nothing.
+TEST(AccessibilityBus, ThatHangsFromTheStartIsNeverWaitedFor)
+{
+    const QTemporaryDir folder;
+    const QByteArray path = folder.filePath(u"bus"_s).toUtf8();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener, 8), 0);
+    qputenv("AT_SPI_BUS_ADDRESS", "unix:path=" + path);
+    QElapsedTimer life;
+    life.start();
+    {
+        const auto service = makeService();
+        const auto answer = askForCaret(*service);
+        EXPECT_TRUE(answer.came);
+        EXPECT_EQ(answer.caret, std::nullopt);
+        EXPECT_LT(answer.milliseconds, inTime);
+        EXPECT_LT(answer.largestGap, 60);
+        EXPECT_FALSE(service->caretAvailable());
+    }
+    EXPECT_LT(life.elapsed(), 2000) << "nor at the end";
+    qunsetenv("AT_SPI_BUS_ADDRESS");
+    ::close(listener);
+}
+
+TEST(AccessibilityBus, ThatIsNotThereLeavesNoCaretToAskFor)
+{
+    const QByteArray session = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    for (const char *address : {"disabled:", "autolaunch:", "unix:path=/nonexistent/bus"}) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        const auto service = makeService();
+        const auto answer = askForCaret(*service);
+        EXPECT_TRUE(answer.came) << address;
+        EXPECT_EQ(answer.caret, std::nullopt);
+        EXPECT_FALSE(service->caretAvailable());
+    }
+    session.isNull() ? qunsetenv("DBUS_SESSION_BUS_ADDRESS") : qputenv("DBUS_SESSION_BUS_ADDRESS", session);
+}
+
+} // namespace
