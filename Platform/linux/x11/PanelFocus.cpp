@@ -28,7 +28,20 @@ void PanelFocus::remember(xcb_window_t panel)
 
 bool PanelFocus::take(xcb_window_t panel, quint32 time)
 {
+    takenAt = time;
     return set(panel, XCB_INPUT_FOCUS_PARENT, time) && focusWindow(connection) == panel;
+}
+
+void PanelFocus::repeat(xcb_window_t panel)
+{
+    if (savedFocus <= XCB_INPUT_FOCUS_POINTER_ROOT || focusWindow(connection) != panel)
+        return;
+    // Nobody else's request comes in between. A window that is gone is refused, which leaves the focus here.
+    xcb_grab_server(connection.raw());
+    xcb_set_input_focus(connection.raw(), savedRevertTo, savedFocus, takenAt);
+    xcb_set_input_focus(connection.raw(), XCB_INPUT_FOCUS_PARENT, panel, takenAt);
+    xcb_ungrab_server(connection.raw());
+    connection.flush();
 }
 
 void PanelFocus::giveBack(xcb_window_t panel, quint32 time)

@@ -19,6 +19,12 @@ public:
     // it.
     [[nodiscard]] bool take(xcb_window_t panel, quint32 time);
 
+    // Makes the move known, for a panel that has taken the focus while a key grab was on: window managers
+    // take no notice of a focus that moves then, and would act on the window in front as if nothing had
+    // happened. It goes back for less than a moment and returns, at the time it came: a later one would
+    // outdate what others have asked for since.
+    void repeat(xcb_window_t panel);
+
     // Gives the focus back to what had it, if the panel still has it: who moved it meanwhile knows better.
     // When what had it is gone, the window manager is asked for its topmost window.
     void giveBack(xcb_window_t panel, quint32 time);
@@ -28,6 +34,7 @@ private:
     [[nodiscard]] bool activateTopmost();
 
     XcbConnection &connection;
+    quint32 takenAt = XCB_CURRENT_TIME;
     xcb_window_t savedFocus = XCB_INPUT_FOCUS_POINTER_ROOT;
     uint8_t savedRevertTo = XCB_INPUT_FOCUS_POINTER_ROOT;
 };

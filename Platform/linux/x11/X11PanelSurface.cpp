@@ -118,7 +118,9 @@ void X11PanelSurface::present(const QRect &geometry)
     showAndTakeKeyboard();
     if (!presented) {
         presented = true;
+        focusUnnoticed = true;
         qApp->installEventFilter(this);
+        qApp->installNativeEventFilter(this);
         clicks.start();
     }
     // Qt keeps the focus where it was for a while after the panel lost it, and misses a return within that
@@ -158,6 +160,7 @@ void X11PanelSurface::dismiss()
     if (presented) {
         presented = false;
         qApp->removeEventFilter(this);
+        qApp->removeNativeEventFilter(this);
         clicks.stop();
         if (grabbing && panel)
             panel->windowHandle()->setKeyboardGrabEnabled(false);
@@ -170,6 +173,21 @@ void X11PanelSurface::dismiss()
         }
     }
     hotKeys.releaseKeyboard();
+}
+
+// The server says that the panel has the focus once more when the grab of the hot key ends.
+bool X11PanelSurface::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
+{
+    if (!focusUnnoticed || type != "xcb_generic_event_t")
+        return false;
+    const auto &event = *static_cast<const xcb_focus_in_event_t *>(message);
+    if ((event.response_type & 0x7f) != XCB_FOCUS_IN || event.mode != XCB_NOTIFY_MODE_UNGRAB || !panel ||
+        event.event != nativeWindow())
+        return false;
+    focusUnnoticed = false;
+    if (presented && focus && !hasOpenChild())
+        focus->repeat(nativeWindow());
+    return false;
 }
 
 bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)

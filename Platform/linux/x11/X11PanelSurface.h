@@ -5,6 +5,7 @@
 #include "Platform/linux/x11/PanelShape.h"
 #include "Platform/linux/x11/RawClicks.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
@@ -21,7 +22,7 @@ class X11Workspace;
 //
 // A dialog that is to open over the panel must be its child and carry Qt::BypassWindowManagerHint, or it lies
 // beneath; it gets the keyboard here, and the panel gets it back when the dialog closes.
-class X11PanelSurface : public QObject, public PanelSurface {
+class X11PanelSurface : public QObject, public PanelSurface, private QAbstractNativeEventFilter {
 public:
     X11PanelSurface(X11HotKeys &keys, X11Workspace &desktop);
     ~X11PanelSurface() override;
@@ -35,6 +36,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void showAndTakeKeyboard();
     void takeKeyboardByGrab();
     void retakeFocus();
@@ -55,5 +57,6 @@ private:
     quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
-    bool grabbing = false; // the focus was refused, the keyboard is grabbed instead
+    bool focusUnnoticed = false; // it moved during the hot key's grab
+    bool grabbing = false;       // the focus was refused, the keyboard is grabbed instead
 };
