@@ -78,6 +78,7 @@ private:
 
     bool handlePanelKey(QKeyEvent *event);
     bool handleCommandLetter(int key);
+    bool handleSharedKey(QKeyEvent *event);
     bool handleFieldCommand(QKeyEvent *event);
     bool handleListKey(QKeyEvent *event);
     bool handleDigit(int digit, bool shift);

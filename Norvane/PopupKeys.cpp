@@ -142,10 +142,9 @@ bool PopupController::handleCommandLetter(int key)
     }
 }
 
-bool PopupController::handleFieldCommand(QKeyEvent *event)
+// What the search field and the list do alike.
+bool PopupController::handleSharedKey(QKeyEvent *event)
 {
-    const int row = panel->tableView->selectedRow();
-    const bool plainKey = !(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -157,6 +156,18 @@ bool PopupController::handleFieldCommand(QKeyEvent *event)
     case Qt::Key_Backtab:
         stepFilter(-1);
         return true;
+    default:
+        return false;
+    }
+}
+
+bool PopupController::handleFieldCommand(QKeyEvent *event)
+{
+    if (handleSharedKey(event))
+        return true;
+    const int row = panel->tableView->selectedRow();
+    const bool plainKey = !(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
+    switch (event->key()) {
     case Qt::Key_Escape:
         if (panel->searchField->text().isEmpty())
             hide();
@@ -188,17 +199,9 @@ bool PopupController::handleFieldCommand(QKeyEvent *event)
 
 bool PopupController::handleListKey(QKeyEvent *event)
 {
+    if (handleSharedKey(event))
+        return true;
     switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        pick(selectedClip(), modeOf(event));
-        return true;
-    case Qt::Key_Tab:
-        stepFilter(1);
-        return true;
-    case Qt::Key_Backtab:
-        stepFilter(-1);
-        return true;
     case Qt::Key_Backspace:
     case Qt::Key_Delete:
         deleteSelected();

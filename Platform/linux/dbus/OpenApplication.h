@@ -7,8 +7,8 @@
 #include <QVariantMap>
 #include <functional>
 
-// The org.freedesktop.Application interface, as the Desktop Entry Specification has it. Every call becomes an
-// action; platform data (start-up identifiers) is of no use to a panel and ignored.
+// The org.freedesktop.Application interface, as freedesktop.org describes it for desktop entries. Every call
+// becomes an action; platform data (start-up identifiers) is of no use to a panel and ignored.
 class OpenApplication : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
