@@ -103,7 +103,7 @@ bool benchSearch(int count, int runs)
         }
         std::printf("%d clips, %s: %.2f ms\n", count, name, best);
         const QByteArray subject = QByteArray(name) + ", " + QByteArray::number(count) + ":";
-        met &= report(subject.constData(), best / memory, "memchr", 30);
+        met &= report(subject.constData(), best / memory, "memchr", 12);
     }
     return met;
 }
