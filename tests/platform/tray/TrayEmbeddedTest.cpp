@@ -2,6 +2,7 @@
 
 #include "Platform/linux/tray/TrayMenu.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
+#include "tests/platform/tray/MenuRows.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -51,7 +52,7 @@ void shoot(const QString &name)
         QGuiApplication::primaryScreen()->grabWindow().save(u"%1/%2.png"_s.arg(folder, name));
 }
 
-class TrayEmbeddedTest : public ::testing::Test {
+class TrayEmbeddedTest : public ::testing::Test, protected MenuRows {
 protected:
     TrayEmbeddedTest()
     {
@@ -60,22 +61,6 @@ protected:
     }
 
     ~TrayEmbeddedTest() override { stopTray(); }
-
-    ClosureMenuItem row(const QString &title, const QString &key = {})
-    {
-        ClosureMenuItem made;
-        made.title = title;
-        made.key = key;
-        made.handler = [this, title] { chosen << title; };
-        return made;
-    }
-
-    static ClosureMenuItem separator()
-    {
-        ClosureMenuItem made;
-        made.separator = true;
-        return made;
-    }
 
     bool startTray()
     {
@@ -124,7 +109,6 @@ protected:
     TrayStatusItem item;
     QProcess tray;
     std::vector<ClosureMenuItem> rows;
-    QStringList chosen;
     int activations = 0;
 };
 

@@ -1,4 +1,5 @@
 #include "Platform/linux/tray/TrayStatusItem.h"
+#include "tests/platform/tray/MenuRows.h"
 #include "tests/platform/tray/NotifierHost.h"
 
 #include <QTest>
@@ -10,29 +11,13 @@ namespace {
 
 constexpr int patience = 5000; // milliseconds
 
-class TrayNotifierTest : public ::testing::Test {
+class TrayNotifierTest : public ::testing::Test, protected MenuRows {
 protected:
     TrayNotifierTest()
     {
         item.menuContents = [this] { return rows; };
         item.onAvailabilityChange = [this] { ++changes; };
         item.onActivate = [this] { ++activations; };
-    }
-
-    ClosureMenuItem row(const QString &title, const QString &key = {})
-    {
-        ClosureMenuItem made;
-        made.title = title;
-        made.key = key;
-        made.handler = [this, title] { chosen << title; };
-        return made;
-    }
-
-    static ClosureMenuItem separator()
-    {
-        ClosureMenuItem made;
-        made.separator = true;
-        return made;
     }
 
     bool becomesAvailable(bool available = true)
@@ -63,7 +48,6 @@ protected:
 
     TrayStatusItem item;
     std::vector<ClosureMenuItem> rows{row(u"uno"_s, u"1"_s)};
-    QStringList chosen;
     int changes = 0;
     int activations = 0;
 };
