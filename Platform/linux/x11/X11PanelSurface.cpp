@@ -46,6 +46,12 @@ bool isOurs(quint32 window)
                        [window](const QWindow *each) { return each->handle() && each->winId() == window; });
 }
 
+// Server times are milliseconds that start again every 49.7 days, and compare only within half of that.
+bool isLater(quint32 time, quint32 than)
+{
+    return static_cast<qint32>(time - than) > 0;
+}
+
 // A window that was opened by the panel: QWidget::isAncestorOf ends at windows.
 bool isChildOf(const QWidget *window, const QWidget *panel)
 {
@@ -262,7 +268,7 @@ void X11PanelSurface::whenPressed(const std::vector<quint32> &windows, quint32 t
         return;
     // The pointer may have left us since the press; then Qt has the press too, or is about to.
     QTimer::singleShot(ownPressArrives, this, [this, time] {
-        if (presented && static_cast<qint32>(time - ownPressTime) > 0)
+        if (presented && (!ownPressTime || isLater(time, *ownPressTime)))
             requestDismiss(time - 1); // so that a move of the focus by this very click is newer than ours
     });
 }

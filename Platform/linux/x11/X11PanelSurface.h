@@ -52,9 +52,9 @@ private:
     QPointer<QWidget> panel;
     PanelShape shape;
     RawClicks clicks;
-    std::unique_ptr<PanelFocus> focus;  // null without an X server
-    std::optional<quint32> dismissTime; // of the click that closes the panel
-    quint32 ownPressTime = 0;           // the server's time of the last press in a window of ours
+    std::unique_ptr<PanelFocus> focus;   // null without an X server
+    std::optional<quint32> dismissTime;  // of the click that closes the panel
+    std::optional<quint32> ownPressTime; // the server's time of the last press in a window of ours
     QElapsedTimer childClosed;
     bool presented = false;
     bool focusUnnoticed = false; // it moved during the hot key's grab
