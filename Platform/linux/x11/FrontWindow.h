@@ -6,8 +6,7 @@
 #include <memory>
 #include <optional>
 
-// Which application is in front, as the user sees it: our panel, which no window manager knows, never counts.
-// Used on the clipboard's thread.
+// Which application is in front, as the user sees it: our panel never counts. Used on the clipboard's thread.
 class FrontWindow {
 public:
     FrontWindow(PasteboardConnection &connection, std::shared_ptr<const DesktopEntries> applications);
@@ -24,5 +23,6 @@ private:
 
     PasteboardConnection &x;
     std::shared_ptr<const DesktopEntries> entries;
+    const bool othersMayBeInFront; // in a Wayland session
     xcb_window_t lastActive = XCB_WINDOW_NONE;
 };

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds longestHold(250);
 constexpr std::chrono::milliseconds nextTry(1000);
+constexpr std::chrono::milliseconds nextLook(20);    // shorter than a finger needs to press again
 constexpr std::chrono::milliseconds mapSettles(200); // one layout change comes as several events
 
 } // namespace
@@ -159,8 +160,29 @@ void KeyGrab::end()
     const std::lock_guard lock(mutex);
     pressTime.reset();
     letGoAt.reset();
+    if (held)
+        lookForReleaseAt = Clock::now() + nextLook;
     xcb_ungrab_keyboard(connection->raw(), XCB_CURRENT_TIME);
-    connection->flush();
+    awaitServer();
+    wake();
+}
+
+bool KeyGrab::isOn(quint32 serverKeyCode, quint32 state) const
+{
+    const std::lock_guard lock(mutex);
+    const auto wanted = key ? modifierMap.mask(key->modifiers) : std::nullopt;
+    constexpr quint32 modifiers = 0xff;
+    const quint32 locks = XCB_MOD_MASK_LOCK | modifierMap.numLock;
+    return wanted && key->code == serverKeyCode && (state & modifiers & ~locks) == *wanted;
+}
+
+// With the mutex held.
+bool KeyGrab::isDown() const
+{
+    constexpr int bitsOfOne = 8;
+    const XcbReply<xcb_query_keymap_reply_t> keys(
+        xcb_query_keymap_reply(connection->raw(), xcb_query_keymap(connection->raw()), nullptr));
+    return keys && key && (keys->keys[key->code / bitsOfOne] >> key->code % bitsOfOne & 1) != 0;
 }
 
 // So that a grab is gone for everybody when the caller hears of it.
@@ -210,8 +232,10 @@ int KeyGrab::pollTimeout() const
 {
     const std::lock_guard lock(mutex);
     std::optional<Clock::time_point> next = letGoAt;
-    if (rereadMapAt && (!next || *rereadMapAt < *next))
-        next = rereadMapAt;
+    for (const auto &deadline : {rereadMapAt, lookForReleaseAt}) {
+        if (deadline && (!next || *deadline < *next))
+            next = deadline;
+    }
     if (!next)
         return -1;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
@@ -225,6 +249,11 @@ void KeyGrab::handleDeadlines()
     if (letGoAt && *letGoAt <= now) {
         letGoAt.reset();
         allow(XCB_ALLOW_SYNC_KEYBOARD);
+    }
+    if (lookForReleaseAt && *lookForReleaseAt <= now) {
+        held = held && isDown();
+        lookForReleaseAt = held ? std::optional(now + nextLook) : std::nullopt;
+        wake();
     }
     if (!rereadMapAt || *rereadMapAt > now)
         return;

@@ -35,8 +35,12 @@ public:
     // Lets held-back keys go on to what has the focus.
     void release();
 
-    // Ends the grab of a key that is still down, and lets held-back keys go.
+    // Ends the grab of a key that is still down, and lets held-back keys go. Then its release may go to
+    // somebody else.
     void end();
+
+    // Whether this key of the server, with this state of the modifiers, is the grabbed one.
+    [[nodiscard]] bool isOn(quint32 serverKeyCode, quint32 state) const;
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -57,6 +61,7 @@ private:
     void grabAgain();
     void awaitServer() const;
     void allow(uint8_t mode);
+    [[nodiscard]] bool isDown() const;
     void wake() const;
     void selectKeyboardChanges();
     [[nodiscard]] bool isModifier(xcb_keycode_t code) const;
@@ -72,6 +77,7 @@ private:
     std::vector<quint16> grabbedMasks;
     std::optional<Clock::time_point> letGoAt; // the keyboard is held back until then
     std::optional<Clock::time_point> rereadMapAt;
+    std::optional<Clock::time_point> lookForReleaseAt; // that somebody else may get
     std::optional<quint32> pressTime;
     quint32 releaseTime = 0;
     bool held = false;

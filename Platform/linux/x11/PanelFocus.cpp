@@ -1,5 +1,6 @@
 #include "Platform/linux/x11/PanelFocus.h"
 
+#include "Platform/linux/x11/ManagerRequests.h"
 #include "Platform/linux/x11/RememberedWindow.h"
 #include "Platform/linux/x11/WindowProperties.h"
 
@@ -67,7 +68,6 @@ bool PanelFocus::set(xcb_window_t window, uint8_t revertTo, quint32 time)
 bool PanelFocus::activateTopmost()
 {
     constexpr quint32 mostWindows = 4096;
-    constexpr uint32_t fromPager = 2; // the source that managers obey without asking for user activity
     const auto stack = readUnits(connection.raw(), connection.root(),
                                  connection.atom("_NET_CLIENT_LIST_STACKING"), XCB_ATOM_WINDOW, mostWindows);
     const auto topmost = std::find_if(stack.rbegin(), stack.rend(), [this](xcb_window_t window) {
@@ -75,16 +75,7 @@ bool PanelFocus::activateTopmost()
     });
     if (topmost == stack.rend())
         return false;
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = *topmost;
-    message.type = connection.atom("_NET_ACTIVE_WINDOW");
-    message.data.data32[0] = fromPager;
     static_cast<void>(set(XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME));
-    xcb_send_event(connection.raw(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char *>(&message));
-    connection.flush();
+    askToActivate(connection, *topmost, XCB_CURRENT_TIME);
     return true;
 }

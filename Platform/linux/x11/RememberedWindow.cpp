@@ -1,6 +1,7 @@
 #include "Platform/linux/x11/RememberedWindow.h"
 
 #include "Platform/linux/x11/WindowProperties.h"
+#include "Platform/linux/x11/Xwayland.h"
 
 #include <QWidget>
 #include <algorithm>
@@ -8,6 +9,7 @@
 namespace {
 
 constexpr int deepestWindow = 64;
+constexpr int betweenWindows = 500; // milliseconds
 
 bool isWithin(XcbConnection &connection, xcb_window_t inner, xcb_window_t outer)
 {
@@ -52,8 +54,12 @@ bool isDock(XcbConnection &connection, xcb_window_t window)
     return std::find(types.begin(), types.end(), connection.atom("_NET_WM_WINDOW_TYPE_DOCK")) != types.end();
 }
 
-RememberedWindow::RememberedWindow(std::unique_ptr<XcbConnection> server) : connection(std::move(server))
+RememberedWindow::RememberedWindow(std::unique_ptr<XcbConnection> server)
+    : connection(std::move(server)), underWayland(isXwayland(connection->raw(), connection->root()))
 {
+    noneActive.setSingleShot(true);
+    noneActive.setInterval(betweenWindows);
+    QObject::connect(&noneActive, &QTimer::timeout, &noneActive, [this] { forget(current); });
     watch(connection->root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
     refresh();
     connection->dispatch([this](const xcb_generic_event_t &event) { handle(event); });
@@ -103,7 +109,12 @@ void RememberedWindow::refresh()
 {
     const auto active = activeWindow(connection->raw(), connection->root());
     if (active.value_or(XCB_WINDOW_NONE) != XCB_WINDOW_NONE) {
+        noneActive.stop();
         consider(*active);
+        return;
+    }
+    if (active && underWayland) {
+        noticeNoneActive();
         return;
     }
     // No manager, or one that has not yet told of the window it has just given the focus.
@@ -114,6 +125,12 @@ void RememberedWindow::refresh()
         consider(windowUnderPointer(*connection));
 }
 
+void RememberedWindow::noticeNoneActive()
+{
+    if (current != XCB_WINDOW_NONE && !noneActive.isActive())
+        noneActive.start();
+}
+
 void RememberedWindow::consider(xcb_window_t candidate)
 {
     if (candidate == XCB_WINDOW_NONE || candidate == current)
@@ -121,7 +138,8 @@ void RememberedWindow::consider(xcb_window_t candidate)
     watch(candidate, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
         connection->raw(), xcb_get_window_attributes(connection->raw(), candidate), nullptr));
-    if (!attributes || attributes->override_redirect != 0 || isDock(*connection, candidate)) {
+    if (!attributes || attributes->override_redirect != 0 || isDock(*connection, candidate) ||
+        isMarkedAsPanel(connection->raw(), candidate)) {
         watch(candidate, XCB_EVENT_MASK_NO_EVENT);
         return;
     }

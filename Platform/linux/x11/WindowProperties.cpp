@@ -28,6 +28,7 @@ ReplyPointer<Reply> take(xcb_connection_t *connection,
 
 constexpr quint32 maxNameBytes = 1024; // WM_CLASS, an application id, a host name
 constexpr int maxAncestors = 64;
+constexpr char panelMark[] = "_NORVANE_PANEL";
 
 QString decoded(const QByteArray &bytes)
 {
@@ -144,6 +145,19 @@ bool isOverrideRedirect(xcb_connection_t *connection, xcb_window_t window)
     const auto attributes =
         take(connection, xcb_get_window_attributes_reply, xcb_get_window_attributes(connection, window));
     return attributes && attributes->override_redirect;
+}
+
+void markAsPanel(xcb_connection_t *connection, xcb_window_t window)
+{
+    constexpr quint32 yes = 1;
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, internAtom(connection, panelMark),
+                        XCB_ATOM_CARDINAL, 32, 1, &yes);
+    xcb_flush(connection);
+}
+
+bool isMarkedAsPanel(xcb_connection_t *connection, xcb_window_t window)
+{
+    return !readUnits(connection, window, internAtom(connection, panelMark), XCB_ATOM_CARDINAL, 1).empty();
 }
 
 std::optional<xcb_window_t> activeWindow(xcb_connection_t *connection, xcb_window_t root)

@@ -43,6 +43,11 @@ struct WindowProperty {
 // Whether the window manager leaves this window alone (menus, our panel).
 [[nodiscard]] bool isOverrideRedirect(xcb_connection_t *connection, xcb_window_t window);
 
+// A window so marked never counts as the one in front, whatever the window manager makes of it: our panel
+// where it has to be a managed window.
+void markAsPanel(xcb_connection_t *connection, xcb_window_t window);
+[[nodiscard]] bool isMarkedAsPanel(xcb_connection_t *connection, xcb_window_t window);
+
 // What the window manager calls the active window. Absent when there is no such property (no window manager);
 // XCB_WINDOW_NONE when no window is active.
 [[nodiscard]] std::optional<xcb_window_t> activeWindow(xcb_connection_t *connection, xcb_window_t root);

@@ -79,3 +79,8 @@ void X11HotKeys::endGrab()
     if (grab)
         grab->end();
 }
+
+bool X11HotKeys::isHotKey(quint32 serverKeyCode, quint32 state) const
+{
+    return registered && onPress && grab->isOn(serverKeyCode, state);
+}

@@ -27,8 +27,11 @@ public:
     void releaseKeyboard();
 
     // As releaseKeyboard, and ends the grab of a hot key that is still held down, so that another client can
-    // grab the keyboard.
+    // grab the keyboard when this returns. Who does gets the hot key's events too.
     void endGrab();
+
+    // Whether a key of the server with its modifier state is the registered hot key; and then onPress is set.
+    [[nodiscard]] bool isHotKey(quint32 serverKeyCode, quint32 state) const;
 
 private:
     class Receiver;

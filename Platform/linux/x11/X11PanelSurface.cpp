@@ -1,6 +1,5 @@
 #include "Platform/linux/x11/X11PanelSurface.h"
 
-#include "Platform/Log.h"
 #include "Platform/linux/x11/RememberedWindow.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11Workspace.h"
@@ -18,26 +17,6 @@ constexpr int sameClick = 100; // between a menu's closing and the raw event of 
 constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
 constexpr int retakeAgain = 20;
 constexpr int ownPressArrives = 15; // from the X server by way of Qt
-
-// Everything that Qt has sent has been carried out when this returns.
-void awaitQtRequests()
-{
-    const auto *native = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (native == nullptr)
-        return;
-    xcb_connection_t *connection = native->connection();
-    const XcbReply<xcb_get_input_focus_reply_t> done(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
-
-// Qt names windows after the executable and the application; the panel's name must not depend on either.
-void setWindowClass(const XcbConnection &connection, xcb_window_t window)
-{
-    constexpr char name[] = "norvane\0Norvane";
-    xcb_change_property(connection.raw(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,
-                        8, sizeof name, name);
-    connection.flush();
-}
 
 bool isOurs(quint32 window)
 {
@@ -65,7 +44,8 @@ bool isChildOf(const QWidget *window, const QWidget *panel)
 
 } // namespace
 
-X11PanelSurface::X11PanelSurface(X11HotKeys &keys, X11Workspace &desktop) : hotKeys(keys), workspace(desktop)
+X11PanelSurface::X11PanelSurface(X11HotKeys &keys, X11Workspace &desktop, PanelKind kind)
+    : hotKeys(keys), workspace(desktop), keyboard(keys, desktop, kind)
 {
     clicks.onPress = [this](const std::vector<quint32> &windows, quint32 time) {
         whenPressed(windows, time);
@@ -73,7 +53,6 @@ X11PanelSurface::X11PanelSurface(X11HotKeys &keys, X11Workspace &desktop) : hotK
     RememberedWindow *front = workspace.remembered();
     if (front == nullptr)
         return;
-    focus = std::make_unique<PanelFocus>(front->server());
     const auto close = [this] {
         if (presented && !hasOpenChild())
             requestDismiss();
@@ -93,14 +72,8 @@ X11PanelSurface::~X11PanelSurface()
 void X11PanelSurface::adopt(QWidget *widget)
 {
     panel = widget;
-    panel->setWindowFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::BypassWindowManagerHint |
-                          Qt::WindowStaysOnTopHint);
     shape.adopt(panel);
-    panel->winId(); // made now, so that the first press finds it ready
-    if (RememberedWindow *front = workspace.remembered()) {
-        awaitQtRequests();
-        setWindowClass(front->server(), nativeWindow());
-    }
+    keyboard.adopt(panel);
 }
 
 bool X11PanelSurface::isPresented() const
@@ -115,48 +88,27 @@ void X11PanelSurface::present(const QRect &geometry)
         return;
     }
     dismissTime.reset();
-    if (!presented && focus) {
-        static_cast<void>(workspace.rememberedWindow()); // while no panel is in the way
-        focus->remember(nativeWindow());
-    }
+    if (!presented)
+        keyboard.remember();
     panel->setGeometry(geometry);
     shape.update();
-    showAndTakeKeyboard();
+    keyboard.show(geometry);
     if (!presented) {
         presented = true;
-        focusUnnoticed = true;
         qApp->installEventFilter(this);
         qApp->installNativeEventFilter(this);
         clicks.start();
     }
-    // Qt keeps the focus where it was for a while after the panel lost it, and misses a return within that
-    // time.
-    if (!panel->isActiveWindow())
-        QApplication::setActiveWindow(panel);
+    activate();
     if (QWidget *receiver = panel->focusWidget())
         receiver->setFocus(Qt::ActiveWindowFocusReason);
 }
 
-void X11PanelSurface::showAndTakeKeyboard()
+// Qt keeps the focus where it was for a while after the panel lost it, and misses a return within that time.
+void X11PanelSurface::activate()
 {
-    panel->show();
-    panel->raise();
-    awaitQtRequests();
-    const std::optional<quint32> pressed = hotKeys.lastPressTime();
-    const bool taken = focus && (focus->take(nativeWindow(), pressed.value_or(XCB_CURRENT_TIME)) ||
-                                 focus->take(nativeWindow(), XCB_CURRENT_TIME));
-    if (taken || !focus)
-        hotKeys.releaseKeyboard();
-    else
-        takeKeyboardByGrab();
-}
-
-void X11PanelSurface::takeKeyboardByGrab()
-{
-    logLine(QStringLiteral("Norvane: the panel was refused the keyboard focus and grabs the keyboard"));
-    hotKeys.endGrab(); // one grab excludes the other
-    grabbing = true;
-    panel->windowHandle()->setKeyboardGrabEnabled(true);
+    if (!panel->isActiveWindow())
+        QApplication::setActiveWindow(panel);
 }
 
 void X11PanelSurface::dismiss()
@@ -168,31 +120,25 @@ void X11PanelSurface::dismiss()
         qApp->removeEventFilter(this);
         qApp->removeNativeEventFilter(this);
         clicks.stop();
-        if (grabbing && panel)
-            panel->windowHandle()->setKeyboardGrabEnabled(false);
-        grabbing = false;
-        if (focus && panel)
-            focus->giveBack(nativeWindow(), time);
-        if (panel) {
-            panel->hide();
-            awaitQtRequests();
-        }
+        if (panel)
+            keyboard.hide(time);
     }
     hotKeys.releaseKeyboard();
 }
 
-// The server says that the panel has the focus once more when the grab of the hot key ends.
 bool X11PanelSurface::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
 {
-    if (!focusUnnoticed || type != "xcb_generic_event_t")
+    if (type != "xcb_generic_event_t")
         return false;
     const auto &event = *static_cast<const xcb_focus_in_event_t *>(message);
-    if ((event.response_type & 0x7f) != XCB_FOCUS_IN || event.mode != XCB_NOTIFY_MODE_UNGRAB || !panel ||
-        event.event != nativeWindow())
+    const bool isNews = (event.response_type & 0x7f) == XCB_FOCUS_IN && presented && panel;
+    if (!isNews || event.event != nativeWindow())
         return false;
-    focusUnnoticed = false;
-    if (presented && focus && !hasOpenChild())
-        focus->repeat(nativeWindow());
+    keyboard.noticeFocus(event.mode, !hasOpenChild());
+    QTimer::singleShot(0, this, [this] {
+        if (presented && panel && keyboard.isHeld() && !hasOpenChild())
+            activate();
+    });
     return false;
 }
 
@@ -200,6 +146,11 @@ bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
         ownPressTime = static_cast<quint32>(static_cast<QMouseEvent *>(event)->timestamp());
+    if (event->type() == QEvent::KeyPress && keyboard.isGrabbing() &&
+        isHotKey(*static_cast<QKeyEvent *>(event))) {
+        hotKeys.onPress();
+        return true;
+    }
     auto *window = qobject_cast<QWidget *>(watched);
     if (window == nullptr || !window->isWindow() || !panel)
         return false;
@@ -224,38 +175,37 @@ bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
+bool X11PanelSurface::isHotKey(const QKeyEvent &press) const
+{
+    return !press.isAutoRepeat() && hotKeys.isHotKey(press.nativeScanCode(), press.nativeModifiers());
+}
+
 // Qt tells of windows and focus before it has put everything in its place, so these look a moment later.
 
 void X11PanelSurface::whenChildClosed()
 {
     if (!presented || !panel || hasOpenChild())
         return;
-    if (grabbing)
-        panel->windowHandle()->setKeyboardGrabEnabled(true);
-    else
-        retakeFocus();
+    retakeKeyboard();
 }
 
-void X11PanelSurface::retakeFocus()
+void X11PanelSurface::retakeKeyboard()
 {
-    if (!focus || focusWindow(workspace.remembered()->server()) == nativeWindow())
-        return;
-    if (!focus->take(nativeWindow(), XCB_CURRENT_TIME)) {
+    if (!keyboard.retake())
         QTimer::singleShot(retakeAgain, this, &X11PanelSurface::whenDeactivated);
-        return;
-    }
-    if (!panel->isActiveWindow())
-        QApplication::setActiveWindow(panel);
+    else if (keyboard.isHeld())
+        activate();
 }
 
 void X11PanelSurface::whenDeactivated()
 {
-    if (!presented || !panel || grabbing || hasOpenChild())
-        return;
-    if (focus && focusWindow(workspace.remembered()->server()) == nativeWindow())
+    if (!presented || !panel || hasOpenChild() || keyboard.isHeld())
         return;
     if (childClosed.isValid() && childClosed.elapsed() < childEnds)
-        retakeFocus(); // the window manager gave it to the program in front when a dialog of the panel ended
+        retakeKeyboard(); // the window manager gave it to the program in front when a dialog of the panel
+                          // ended
+    else if (keyboard.insist())
+        activate();
     else
         requestDismiss();
 }

@@ -1,8 +1,10 @@
 #include "Platform/linux/x11/X11PanelSurface.h"
 
 #include "Platform/KeyCodes.h"
+#include "Platform/Log.h"
 #include "Platform/linux/x11/WindowProperties.h"
 #include "Platform/linux/x11/X11HotKeys.h"
+#include "Platform/linux/x11/X11KeyEvents.h"
 #include "Platform/linux/x11/X11Workspace.h"
 #include "tests/platform/desktop/DesktopHarness.h"
 
@@ -25,8 +27,40 @@ public:
 const QRect place(300, 300, 400, 200);
 const QPoint outside(50, 900);
 
+// A program that takes the input focus back for its window as often as told.
+class Thief {
+public:
+    Thief(quint32 window, int thefts) : left(thefts)
+    {
+        constexpr uint32_t events = XCB_EVENT_MASK_FOCUS_CHANGE;
+        xcb_change_window_attributes(connection->raw(), window, XCB_CW_EVENT_MASK, &events);
+        connection->dispatch([this, window](const xcb_generic_event_t &event) {
+            const auto &focus = reinterpret_cast<const xcb_focus_out_event_t &>(event);
+            const bool lost =
+                (event.response_type & 0x7f) == XCB_FOCUS_OUT &&
+                (focus.mode == XCB_NOTIFY_MODE_NORMAL || focus.mode == XCB_NOTIFY_MODE_WHILE_GRABBED);
+            if (!lost || left-- <= 0)
+                return;
+            xcb_set_input_focus(connection->raw(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+            connection->flush();
+        });
+    }
+
+private:
+    std::unique_ptr<XcbConnection> connection = XcbConnection::open();
+    int left;
+};
+
+// All kinds of panel that differ here: without a window manager there is one.
+std::vector<PanelKind> panelKinds()
+{
+    if (runsUnderWindowManager())
+        return {PanelKind::automatic, PanelKind::managed};
+    return {PanelKind::automatic};
+}
+
 // The panel and all that is behind it, wired as the application wires it: the hot key toggles.
-class PanelOnDesktop : public ::testing::Test {
+class PanelOnDesktop : public ::testing::TestWithParam<PanelKind> {
 protected:
     PanelOnDesktop()
     {
@@ -44,7 +78,9 @@ protected:
                 open();
         };
         EXPECT_EQ(hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command | ModifierFlag::option), 0);
+        setLogSink([this](const QString &line) { log += line; });
     }
+    ~PanelOnDesktop() override { setLogSink({}); }
     void open()
     {
         panel.field->clear();
@@ -66,6 +102,14 @@ protected:
                                                                  },
                                                                  3000);
     }
+    bool waitForLog(const QString &words)
+    {
+        return QTest::qWaitFor([&] { return log.contains(words); }, 3000);
+    }
+    bool isUnmanaged()
+    {
+        return isOverrideRedirect(hand.server().raw(), static_cast<quint32>(panel.winId()));
+    }
     bool waitForClosed()
     {
         return QTest::qWaitFor([&] { return !surface.isPresented() && !panel.isVisible(); }, 3000);
@@ -75,14 +119,24 @@ protected:
     Panel panel;
     std::unique_ptr<X11HotKeys> hotKeys = X11HotKeys::create();
     X11Workspace workspace{std::make_shared<NoEntries>()};
-    X11PanelSurface surface{*hotKeys, workspace};
+    X11PanelSurface surface{*hotKeys, workspace, GetParam()};
     int presses = 0;
     int dismissRequests = 0;
+    QString log;
 };
+
+INSTANTIATE_TEST_SUITE_P(Kinds, PanelOnDesktop, ::testing::ValuesIn(panelKinds()), [](const auto &kind) {
+    return kind.param == PanelKind::managed ? "managed" : "automatic";
+});
+
+class RefusedPanel : public PanelOnDesktop {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, RefusedPanel, ::testing::Values(PanelKind::automatic),
+                         [](const auto &) { return "automatic"; });
 
 } // namespace
 
-TEST_F(PanelOnDesktop, GetsTheKeysTypedRightBehindTheHotKey)
+TEST_P(PanelOnDesktop, GetsTheKeysTypedRightBehindTheHotKey)
 {
     Neighbour neighbour;
     pressHotKey();
@@ -95,7 +149,7 @@ TEST_F(PanelOnDesktop, GetsTheKeysTypedRightBehindTheHotKey)
     EXPECT_EQ(neighbour.text, QString());
 }
 
-TEST_F(PanelOnDesktop, OpensOnceWhenTheHotKeyIsHeld)
+TEST_P(PanelOnDesktop, OpensOnceWhenTheHotKeyIsHeld)
 {
     Neighbour neighbour;
     hand.press(Hand::control);
@@ -111,7 +165,7 @@ TEST_F(PanelOnDesktop, OpensOnceWhenTheHotKeyIsHeld)
     EXPECT_EQ(neighbour.report().keys, 0);
 }
 
-TEST_F(PanelOnDesktop, GetsKeysTypedWhileTheHotKeyIsStillDown)
+TEST_P(PanelOnDesktop, GetsKeysTypedWhileTheHotKeyIsStillDown)
 {
     Neighbour neighbour;
     hand.press(Hand::control);
@@ -130,7 +184,7 @@ TEST_F(PanelOnDesktop, GetsKeysTypedWhileTheHotKeyIsStillDown)
     EXPECT_EQ(presses, 2);
 }
 
-TEST_F(PanelOnDesktop, GivesTheKeyboardBackToTheSameField)
+TEST_P(PanelOnDesktop, GivesTheKeyboardBackToTheSameField)
 {
     Neighbour neighbour;
     for (int round = 0; round < 5; ++round) {
@@ -148,7 +202,7 @@ TEST_F(PanelOnDesktop, GivesTheKeyboardBackToTheSameField)
     EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
 }
 
-TEST_F(PanelOnDesktop, OpensWithTheKeyboardWithoutAHotKeyToo)
+TEST_P(PanelOnDesktop, OpensWithTheKeyboardWithoutAHotKeyToo)
 {
     Neighbour neighbour;
     open();
@@ -157,7 +211,7 @@ TEST_F(PanelOnDesktop, OpensWithTheKeyboardWithoutAHotKeyToo)
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
 }
 
-TEST_F(PanelOnDesktop, IsActiveAgainWhenReopenedAtOnce)
+TEST_P(PanelOnDesktop, IsActiveAgainWhenReopenedAtOnce)
 {
     Neighbour neighbour;
     for (const int pause : {0, 20, 80}) {
@@ -167,6 +221,8 @@ TEST_F(PanelOnDesktop, IsActiveAgainWhenReopenedAtOnce)
         QTest::qWait(pause);
         open();
         EXPECT_TRUE(panel.isActiveWindow() && panel.field->hasFocus()) << pause;
+        EXPECT_TRUE(GetParam() == PanelKind::automatic || waitForPanelFocus())
+            << "the manager takes its time";
         hand.tap(Hand::x);
         EXPECT_TRUE(waitForPanelText(QStringLiteral("x"))) << pause;
         EXPECT_TRUE(panel.isActiveWindow() && panel.field->hasFocus()) << pause;
@@ -176,7 +232,7 @@ TEST_F(PanelOnDesktop, IsActiveAgainWhenReopenedAtOnce)
     EXPECT_EQ(dismissRequests, 0);
 }
 
-TEST_F(PanelOnDesktop, ClosesOnAClickOutsideThatReachesItsTarget)
+TEST_P(PanelOnDesktop, ClosesOnAClickOutsideThatReachesItsTarget)
 {
     Neighbour neighbour;
     open();
@@ -188,7 +244,7 @@ TEST_F(PanelOnDesktop, ClosesOnAClickOutsideThatReachesItsTarget)
     EXPECT_TRUE(QTest::qWaitFor([&] { return neighbour.report().presses == 1; }, 3000));
 }
 
-TEST_F(PanelOnDesktop, ClosesOnAClickOnTheEmptyDesktop)
+TEST_P(PanelOnDesktop, ClosesOnAClickOnTheEmptyDesktop)
 {
     open();
     ASSERT_TRUE(waitForPanelFocus());
@@ -196,7 +252,7 @@ TEST_F(PanelOnDesktop, ClosesOnAClickOnTheEmptyDesktop)
     EXPECT_TRUE(waitForClosed());
 }
 
-TEST_F(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
+TEST_P(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
 {
     Neighbour neighbour;
     open();
@@ -211,7 +267,7 @@ TEST_F(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
     EXPECT_TRUE(surface.isPresented());
 }
 
-TEST_F(PanelOnDesktop, LetsClicksInItsRoundedCornersThrough)
+TEST_P(PanelOnDesktop, LetsClicksInItsRoundedCornersThrough)
 {
     open();
     ASSERT_TRUE(waitForPanelFocus());
@@ -219,7 +275,7 @@ TEST_F(PanelOnDesktop, LetsClicksInItsRoundedCornersThrough)
     EXPECT_TRUE(waitForClosed());
 }
 
-TEST_F(PanelOnDesktop, ClosesWhenTheProgramInFrontDies)
+TEST_P(PanelOnDesktop, ClosesWhenTheProgramInFrontDies)
 {
     auto neighbour = std::make_unique<Neighbour>();
     open();
@@ -234,7 +290,7 @@ TEST_F(PanelOnDesktop, ClosesWhenTheProgramInFrontDies)
     EXPECT_TRUE(waitForPanelFocus()) << "and opens again on the empty desktop";
 }
 
-TEST_F(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereDead)
+TEST_P(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereDead)
 {
     surface.onDismissRequest = nullptr; // so that the panel is still open when it is told to close
     auto first = std::make_unique<Neighbour>();
@@ -249,7 +305,7 @@ TEST_F(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereD
         << "the manager was not asked for its topmost window";
 }
 
-TEST_F(PanelOnDesktop, ClosesWhenAnotherWindowBecomesActive)
+TEST_P(PanelOnDesktop, ClosesWhenAnotherWindowBecomesActive)
 {
     Neighbour first;
     Neighbour second;
@@ -265,7 +321,7 @@ TEST_F(PanelOnDesktop, ClosesWhenAnotherWindowBecomesActive)
     EXPECT_TRUE(first.waitForFocus()) << "and does not take the focus from it";
 }
 
-TEST_F(PanelOnDesktop, StaysOpenBeneathItsMenuAndTypesAfterwards)
+TEST_P(PanelOnDesktop, StaysOpenBeneathItsMenuAndTypesAfterwards)
 {
     Neighbour neighbour;
     open();
@@ -283,7 +339,7 @@ TEST_F(PanelOnDesktop, StaysOpenBeneathItsMenuAndTypesAfterwards)
     EXPECT_TRUE(neighbour.waitForFocus());
 }
 
-TEST_F(PanelOnDesktop, TakesTheKeyboardBackFromItsDialog)
+TEST_P(PanelOnDesktop, TakesTheKeyboardBackFromItsDialog)
 {
     Neighbour neighbour;
     open();
@@ -300,18 +356,106 @@ TEST_F(PanelOnDesktop, TakesTheKeyboardBackFromItsDialog)
     EXPECT_EQ(dismissRequests, 0);
 }
 
-TEST_F(PanelOnDesktop, CarriesItsNameWhateverTheExecutableIsCalled)
+TEST_P(PanelOnDesktop, CarriesItsNameWhateverTheExecutableIsCalled)
 {
     open();
     const WindowIdentity identity =
         readWindowIdentity(hand.server().raw(), static_cast<quint32>(panel.winId()));
     EXPECT_EQ(identity.instanceName, QStringLiteral("norvane"));
     EXPECT_EQ(identity.className, QStringLiteral("Norvane"));
-    EXPECT_TRUE(isOverrideRedirect(hand.server().raw(), static_cast<quint32>(panel.winId())));
-    EXPECT_EQ(panel.geometry(), place);
+    EXPECT_EQ(isUnmanaged(), GetParam() == PanelKind::automatic);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panel.geometry() == place; }, 3000));
 }
 
-TEST_F(PanelOnDesktop, DismissedWithoutBeingOpenLetsTheKeyboardGo)
+TEST_P(PanelOnDesktop, IsNeverInFrontAndPastesIntoWhatIs)
+{
+    Neighbour neighbour;
+    X11KeyEvents keys(workspace, {});
+    ASSERT_TRUE(neighbour.own("chosen"));
+    for (const QString &expected : {QStringLiteral("chosen"), QStringLiteral("chosenchosen")}) {
+        pressHotKey();
+        ASSERT_TRUE(waitForPanelFocus());
+        EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
+        EXPECT_FALSE(workspace.isThisApplicationActive());
+        surface.dismiss();
+        EXPECT_TRUE(keys.canSynthesise());
+        QTimer::singleShot(50, &panel, [&] { keys.postPaste(); });
+        EXPECT_TRUE(neighbour.waitForText(expected));
+    }
+    EXPECT_FALSE(panel.isVisible());
+}
+
+TEST_P(RefusedPanel, GrabsTheKeyboardWhereTheFocusIsTakenBack)
+{
+    Neighbour neighbour;
+    const Thief thief(neighbour.window, 1000);
+    for (int round = 1; round <= 2; ++round) {
+        log.clear();
+        hand.press(Hand::control);
+        hand.press(Hand::alt);
+        hand.press(Hand::v);
+        ASSERT_TRUE(waitForLog(QStringLiteral("grabs the keyboard"))) << round;
+        hand.release(Hand::v); // no longer seen by who waits for the hot key
+        hand.release(Hand::alt);
+        hand.release(Hand::control);
+        hand.tap(Hand::x);
+        EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
+        QMenu menu(&panel);
+        menu.addAction(QStringLiteral("Copy"));
+        menu.popup(place.center());
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+        hand.tap(Hand::escape);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !menu.isVisible(); }, 3000));
+        QCoreApplication::processEvents(); // now the grab is the panel's again
+        hand.tap(Hand::y);
+        EXPECT_TRUE(waitForPanelText(QStringLiteral("xy")));
+        pressHotKey();
+        ASSERT_TRUE(waitForClosed());
+        EXPECT_EQ(presses, 2 * round);
+        EXPECT_TRUE(neighbour.waitForFocus());
+        QTest::qWait(50); // a finger needs longer to press again
+    }
+    EXPECT_EQ(neighbour.report().keys, 0);
+    hand.tap(Hand::z);
+    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("z")));
+    EXPECT_TRUE(isUnmanaged());
+    EXPECT_EQ(dismissRequests, 0);
+}
+
+TEST_P(RefusedPanel, BecomesManagedWhereTheGrabIsRefusedToo)
+{
+    Neighbour neighbour;
+    const Thief thief(neighbour.window, 1);
+    Hand other;
+    const XcbReply<xcb_grab_keyboard_reply_t> grab(
+        xcb_grab_keyboard_reply(other.server().raw(),
+                                xcb_grab_keyboard(other.server().raw(), 1, other.server().root(),
+                                                  XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                nullptr));
+    ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
+    open();
+    if (!runsUnderWindowManager()) {
+        EXPECT_TRUE(waitForLog(QStringLiteral("stays without the keyboard")));
+        EXPECT_TRUE(waitForClosed()) << "a panel without the keyboard is of no use";
+        return;
+    }
+    EXPECT_TRUE(waitForLog(QStringLiteral("asks the window manager")));
+    EXPECT_FALSE(isUnmanaged());
+    EXPECT_TRUE(waitForPanelFocus());
+    EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
+    xcb_ungrab_keyboard(other.server().raw(), XCB_CURRENT_TIME);
+    other.settle();
+    hand.tap(Hand::x);
+    EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
+    EXPECT_EQ(panel.geometry(), place);
+    surface.dismiss();
+    EXPECT_TRUE(neighbour.waitForFocus());
+    open();
+    EXPECT_TRUE(waitForPanelFocus());
+    EXPECT_TRUE(isUnmanaged()) << "the next time it is tried again";
+}
+
+TEST_P(PanelOnDesktop, DismissedWithoutBeingOpenLetsTheKeyboardGo)
 {
     Neighbour neighbour;
     hotKeys->onPress = [this] {
