@@ -45,6 +45,11 @@ void PanelFocus::repeat(xcb_window_t panel)
     connection.flush();
 }
 
+bool PanelFocus::isBack() const
+{
+    return savedFocus > XCB_INPUT_FOCUS_POINTER_ROOT && focusWindow(connection) == savedFocus;
+}
+
 void PanelFocus::giveBack(xcb_window_t panel, quint32 time)
 {
     if (focusWindow(connection) != panel)

@@ -25,6 +25,9 @@ public:
     // outdate what others have asked for since.
     void repeat(xcb_window_t panel);
 
+    // What had the focus has it again.
+    [[nodiscard]] bool isBack() const;
+
     // Gives the focus back to what had it, if the panel still has it: who moved it meanwhile knows better.
     // When what had it is gone, the window manager is asked for its topmost window.
     void giveBack(xcb_window_t panel, quint32 time);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr qint64 atOnce = 300; // milliseconds after opening
+constexpr qint64 atOnce = 500; // milliseconds after opening
 
 // Everything that Qt has sent has been carried out when this returns.
 void awaitQtRequests()
@@ -36,9 +36,9 @@ void setWindowClass(const XcbConnection &connection, xcb_window_t window)
 
 } // namespace
 
-PanelKeyboard::PanelKeyboard(X11HotKeys &keys, X11Workspace &desktop, PanelKind kind)
+PanelKeyboard::PanelKeyboard(X11HotKeys &keys, X11Workspace &desktop, PanelKind wanted)
     : hotKeys(keys), workspace(desktop), front(desktop.remembered()),
-      alwaysManaged(kind == PanelKind::managed || (front != nullptr && front->isUnderWayland()))
+      kind(front != nullptr && front->isUnderWayland() ? PanelKind::managed : wanted)
 {
     if (front != nullptr)
         focus = std::make_unique<PanelFocus>(front->server());
@@ -48,7 +48,7 @@ void PanelKeyboard::adopt(QWidget *widget)
 {
     panel = widget;
     Qt::WindowFlags flags = Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnTopHint;
-    flags.setFlag(Qt::BypassWindowManagerHint, !alwaysManaged);
+    flags.setFlag(Qt::BypassWindowManagerHint, kind != PanelKind::managed);
     panel->setWindowFlags(flags);
     panel->winId(); // made now, so that the first press finds it ready
     if (front == nullptr)
@@ -68,10 +68,11 @@ void PanelKeyboard::remember()
 
 void PanelKeyboard::show(const QRect &geometry)
 {
-    wanted = geometry;
+    place = geometry;
     focusUnnoticed = true;
     shown.start();
-    if (way == Way::managed || (alwaysManaged && front != nullptr && hasWindowManager(front->server())))
+    if (way == Way::managed ||
+        (kind == PanelKind::managed && front != nullptr && hasWindowManager(front->server())))
         showManaged();
     else
         showUnmanaged();
@@ -86,10 +87,15 @@ void PanelKeyboard::showUnmanaged()
         hotKeys.releaseKeyboard();
         return;
     }
-    const quint32 pressed = hotKeys.lastPressTime().value_or(XCB_CURRENT_TIME);
-    const bool taken = focus->take(nativeWindow(), pressed) || focus->take(nativeWindow(), XCB_CURRENT_TIME);
-    if (taken || !takeByGrab())
+    if (takeFocus() || !takeByGrab())
         hotKeys.releaseKeyboard();
+}
+
+bool PanelKeyboard::takeFocus()
+{
+    const quint32 pressed = hotKeys.lastPressTime().value_or(XCB_CURRENT_TIME);
+    return kind != PanelKind::grabbing &&
+           (focus->take(nativeWindow(), pressed) || focus->take(nativeWindow(), XCB_CURRENT_TIME));
 }
 
 bool PanelKeyboard::takeByGrab()
@@ -132,7 +138,7 @@ void PanelKeyboard::showManaged()
     const bool isFirst = !panel->isVisible();
     awaited = awaited || isFirst;
     if (isFirst) {
-        panel->setGeometry(wanted);
+        panel->setGeometry(place);
         keepAboveUnlisted(front->server(), nativeWindow());
     }
     panel->show();
@@ -146,8 +152,8 @@ void PanelKeyboard::showManaged()
 void PanelKeyboard::noticeFocus(quint8 mode, bool mayRepeat)
 {
     if (way == Way::managed) {
-        if (awaited && panel->geometry() != wanted)
-            panel->setGeometry(wanted); // the manager knew a better place
+        if (awaited && panel->geometry() != place)
+            panel->setGeometry(place); // the manager knew a better place
         awaited = false;
         hotKeys.releaseKeyboard();
     } else if (focusUnnoticed && mode == XCB_NOTIFY_MODE_UNGRAB) {
@@ -172,7 +178,7 @@ void PanelKeyboard::hide(quint32 clickTime)
     }
     panel->hide();
     awaitQtRequests();
-    if (way == Way::managed && !alwaysManaged)
+    if (way == Way::managed && kind != PanelKind::managed)
         setManaged(false);
     way = Way::focus;
 }
@@ -197,7 +203,7 @@ bool PanelKeyboard::retake()
 
 bool PanelKeyboard::insist()
 {
-    if (way != Way::focus || front == nullptr || shown.elapsed() > atOnce || !front->hasFocus())
+    if (way != Way::focus || !focus || shown.elapsed() > atOnce || !focus->isBack())
         return false;
     return takeByGrab();
 }

@@ -12,9 +12,11 @@ class RememberedWindow;
 class X11HotKeys;
 class X11Workspace;
 
-// What kind of window the panel is.
+// Which way to the keyboard (see PanelKeyboard) is tried first.
 enum class PanelKind : quint8 {
-    automatic, // unmanaged, and managed under a Wayland compositor, which gives the keyboard to no other kind
+    automatic, // the first, and the last under a Wayland compositor, which gives the keyboard to no other
+               // kind
+    grabbing,
     managed,
 };
 
@@ -28,7 +30,7 @@ enum class PanelKind : quint8 {
 //   it to activate the remembered window when it closes. Where the grab is refused too.
 class PanelKeyboard {
 public:
-    PanelKeyboard(X11HotKeys &keys, X11Workspace &desktop, PanelKind kind);
+    PanelKeyboard(X11HotKeys &keys, X11Workspace &desktop, PanelKind wanted);
 
     // Sets the window flags and makes the native window.
     void adopt(QWidget *widget);
@@ -65,6 +67,7 @@ private:
 
     void setManaged(bool managed);
     void showUnmanaged();
+    [[nodiscard]] bool takeFocus();
     [[nodiscard]] bool takeByGrab();
     [[nodiscard]] bool becomeManaged();
     void showManaged();
@@ -73,11 +76,11 @@ private:
 
     X11HotKeys &hotKeys;
     X11Workspace &workspace;
-    RememberedWindow *const front; // null without an X server
-    const bool alwaysManaged;
+    RememberedWindow *const front;     // null without an X server
+    const PanelKind kind;              // not automatic under a Wayland compositor
     std::unique_ptr<PanelFocus> focus; // null without an X server
     QPointer<QWidget> panel;
-    QRect wanted;
+    QRect place;
     QElapsedTimer shown;
     Way way = Way::focus;
     bool focusUnnoticed = false; // by others: it moved during the hot key's grab

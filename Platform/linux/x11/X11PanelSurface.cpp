@@ -16,6 +16,7 @@ namespace {
 constexpr int sameClick = 100; // between a menu's closing and the raw event of the click that closed it
 constexpr int childEnds = 300; // while which the focus wanders after a dialog of the panel has ended
 constexpr int retakeAgain = 20;
+constexpr int focusSettles = 20;    // some window managers pass it on in two steps
 constexpr int ownPressArrives = 15; // from the X server by way of Qt
 
 bool isOurs(quint32 window)
@@ -126,19 +127,25 @@ void X11PanelSurface::dismiss()
     hotKeys.releaseKeyboard();
 }
 
+// Qt waits with its own word of a lost focus, and has none when the focus came and went in one moment.
 bool X11PanelSurface::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
 {
     if (type != "xcb_generic_event_t")
         return false;
     const auto &event = *static_cast<const xcb_focus_in_event_t *>(message);
-    const bool isNews = (event.response_type & 0x7f) == XCB_FOCUS_IN && presented && panel;
-    if (!isNews || event.event != nativeWindow())
+    const int kind = event.response_type & 0x7f;
+    if ((kind != XCB_FOCUS_IN && kind != XCB_FOCUS_OUT) || !presented || !panel ||
+        event.event != nativeWindow())
         return false;
-    keyboard.noticeFocus(event.mode, !hasOpenChild());
-    QTimer::singleShot(0, this, [this] {
-        if (presented && panel && keyboard.isHeld() && !hasOpenChild())
-            activate();
-    });
+    if (kind == XCB_FOCUS_IN) {
+        keyboard.noticeFocus(event.mode, !hasOpenChild());
+        QTimer::singleShot(0, this, [this] {
+            if (presented && panel && keyboard.isHeld() && !hasOpenChild())
+                activate();
+        });
+    } else if (event.mode == XCB_NOTIFY_MODE_NORMAL || event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED) {
+        QTimer::singleShot(focusSettles, this, &X11PanelSurface::whenDeactivated);
+    }
     return false;
 }
 

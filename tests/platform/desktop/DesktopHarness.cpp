@@ -118,6 +118,7 @@ Neighbour::Neighbour()
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(QStringLiteral(NEIGHBOUR), QStringList());
     EXPECT_TRUE(QTest::qWaitFor([this] { return window != 0 && focused; }, 15000)) << "no neighbour";
+    static_cast<void>(report()); // what it has asked the window manager for is on its way
 }
 
 Neighbour::~Neighbour()

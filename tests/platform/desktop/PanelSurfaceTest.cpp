@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMenu>
+#include <array>
 #include <gtest/gtest.h>
 
 namespace {
@@ -27,36 +28,18 @@ public:
 const QRect place(300, 300, 400, 200);
 const QPoint outside(50, 900);
 
-// A program that takes the input focus back for its window as often as told.
-class Thief {
-public:
-    Thief(quint32 window, int thefts) : left(thefts)
-    {
-        constexpr uint32_t events = XCB_EVENT_MASK_FOCUS_CHANGE;
-        xcb_change_window_attributes(connection->raw(), window, XCB_CW_EVENT_MASK, &events);
-        connection->dispatch([this, window](const xcb_generic_event_t &event) {
-            const auto &focus = reinterpret_cast<const xcb_focus_out_event_t &>(event);
-            const bool lost =
-                (event.response_type & 0x7f) == XCB_FOCUS_OUT &&
-                (focus.mode == XCB_NOTIFY_MODE_NORMAL || focus.mode == XCB_NOTIFY_MODE_WHILE_GRABBED);
-            if (!lost || left-- <= 0)
-                return;
-            xcb_set_input_focus(connection->raw(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
-            connection->flush();
-        });
-    }
-
-private:
-    std::unique_ptr<XcbConnection> connection = XcbConnection::open();
-    int left;
-};
-
-// All kinds of panel that differ here: without a window manager there is one.
+// Without a window manager no panel is managed.
 std::vector<PanelKind> panelKinds()
 {
     if (runsUnderWindowManager())
-        return {PanelKind::automatic, PanelKind::managed};
-    return {PanelKind::automatic};
+        return {PanelKind::automatic, PanelKind::grabbing, PanelKind::managed};
+    return {PanelKind::automatic, PanelKind::grabbing};
+}
+
+std::string nameOf(const ::testing::TestParamInfo<PanelKind> &kind)
+{
+    constexpr std::array names = {"automatic", "grabbing", "managed"};
+    return names[static_cast<size_t>(kind.param)];
 }
 
 // The panel and all that is behind it, wired as the application wires it: the hot key toggles.
@@ -92,19 +75,15 @@ protected:
     {
         return QTest::qWaitFor([&] { return panel.field->text() == wanted; }, 3000);
     }
+    // Under a grab the input focus stays where it was.
+    bool hasKeys()
+    {
+        return panel.isActiveWindow() && panel.field->hasFocus() &&
+               (GetParam() == PanelKind::grabbing || hand.focus() == panel.winId());
+    }
     bool waitForPanelFocus()
     {
-        return QTest::qWaitForWindowExposed(&panel, 3000) && QTest::qWaitFor(
-                                                                 [&] {
-                                                                     return panel.isActiveWindow() &&
-                                                                            panel.field->hasFocus() &&
-                                                                            hand.focus() == panel.winId();
-                                                                 },
-                                                                 3000);
-    }
-    bool waitForLog(const QString &words)
-    {
-        return QTest::qWaitFor([&] { return log.contains(words); }, 3000);
+        return QTest::qWaitForWindowExposed(&panel, 3000) && QTest::qWaitFor([&] { return hasKeys(); }, 3000);
     }
     bool isUnmanaged()
     {
@@ -125,19 +104,22 @@ protected:
     QString log;
 };
 
-INSTANTIATE_TEST_SUITE_P(Kinds, PanelOnDesktop, ::testing::ValuesIn(panelKinds()), [](const auto &kind) {
-    return kind.param == PanelKind::managed ? "managed" : "automatic";
-});
+INSTANTIATE_TEST_SUITE_P(Kinds, PanelOnDesktop, ::testing::ValuesIn(panelKinds()), nameOf);
 
-class RefusedPanel : public PanelOnDesktop {};
+class AutomaticPanel : public PanelOnDesktop {};
 
-INSTANTIATE_TEST_SUITE_P(Kinds, RefusedPanel, ::testing::Values(PanelKind::automatic),
-                         [](const auto &) { return "automatic"; });
+INSTANTIATE_TEST_SUITE_P(Kinds, AutomaticPanel, ::testing::Values(PanelKind::automatic), nameOf);
+
+class GrabbingPanel : public PanelOnDesktop {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, GrabbingPanel, ::testing::Values(PanelKind::grabbing), nameOf);
 
 } // namespace
 
 TEST_P(PanelOnDesktop, GetsTheKeysTypedRightBehindTheHotKey)
 {
+    if (GetParam() == PanelKind::grabbing)
+        GTEST_SKIP() << "the hot key's grab has to end before the panel's begins";
     Neighbour neighbour;
     pressHotKey();
     hand.tap(Hand::x);
@@ -167,6 +149,8 @@ TEST_P(PanelOnDesktop, OpensOnceWhenTheHotKeyIsHeld)
 
 TEST_P(PanelOnDesktop, GetsKeysTypedWhileTheHotKeyIsStillDown)
 {
+    if (GetParam() == PanelKind::grabbing)
+        GTEST_SKIP() << "the hot key's grab has to end before the panel's begins";
     Neighbour neighbour;
     hand.press(Hand::control);
     hand.press(Hand::alt);
@@ -221,8 +205,7 @@ TEST_P(PanelOnDesktop, IsActiveAgainWhenReopenedAtOnce)
         QTest::qWait(pause);
         open();
         EXPECT_TRUE(panel.isActiveWindow() && panel.field->hasFocus()) << pause;
-        EXPECT_TRUE(GetParam() == PanelKind::automatic || waitForPanelFocus())
-            << "the manager takes its time";
+        EXPECT_TRUE(GetParam() != PanelKind::managed || waitForPanelFocus()) << "the manager takes its time";
         hand.tap(Hand::x);
         EXPECT_TRUE(waitForPanelText(QStringLiteral("x"))) << pause;
         EXPECT_TRUE(panel.isActiveWindow() && panel.field->hasFocus()) << pause;
@@ -307,8 +290,11 @@ TEST_P(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereD
 
 TEST_P(PanelOnDesktop, ClosesWhenAnotherWindowBecomesActive)
 {
+    if (GetParam() == PanelKind::grabbing)
+        GTEST_SKIP() << "nobody tells of it during a grab";
     Neighbour first;
     Neighbour second;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return workspace.rememberedWindow() == second.window; }, 3000));
     open();
     ASSERT_TRUE(waitForPanelFocus());
     first.order("activate");
@@ -363,7 +349,7 @@ TEST_P(PanelOnDesktop, CarriesItsNameWhateverTheExecutableIsCalled)
         readWindowIdentity(hand.server().raw(), static_cast<quint32>(panel.winId()));
     EXPECT_EQ(identity.instanceName, QStringLiteral("norvane"));
     EXPECT_EQ(identity.className, QStringLiteral("Norvane"));
-    EXPECT_EQ(isUnmanaged(), GetParam() == PanelKind::automatic);
+    EXPECT_EQ(isUnmanaged(), GetParam() != PanelKind::managed);
     EXPECT_TRUE(QTest::qWaitFor([&] { return panel.geometry() == place; }, 3000));
 }
 
@@ -385,30 +371,19 @@ TEST_P(PanelOnDesktop, IsNeverInFrontAndPastesIntoWhatIs)
     EXPECT_FALSE(panel.isVisible());
 }
 
-TEST_P(RefusedPanel, GrabsTheKeyboardWhereTheFocusIsTakenBack)
+TEST_P(GrabbingPanel, IsClosedByAHotKeyThatWasHeldWhenItOpened)
 {
     Neighbour neighbour;
-    const Thief thief(neighbour.window, 1000);
     for (int round = 1; round <= 2; ++round) {
-        log.clear();
         hand.press(Hand::control);
         hand.press(Hand::alt);
         hand.press(Hand::v);
-        ASSERT_TRUE(waitForLog(QStringLiteral("grabs the keyboard"))) << round;
+        ASSERT_TRUE(waitForPanelFocus());
         hand.release(Hand::v); // no longer seen by who waits for the hot key
         hand.release(Hand::alt);
         hand.release(Hand::control);
         hand.tap(Hand::x);
         EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
-        QMenu menu(&panel);
-        menu.addAction(QStringLiteral("Copy"));
-        menu.popup(place.center());
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
-        hand.tap(Hand::escape);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !menu.isVisible(); }, 3000));
-        QCoreApplication::processEvents(); // now the grab is the panel's again
-        hand.tap(Hand::y);
-        EXPECT_TRUE(waitForPanelText(QStringLiteral("xy")));
         pressHotKey();
         ASSERT_TRUE(waitForClosed());
         EXPECT_EQ(presses, 2 * round);
@@ -416,16 +391,11 @@ TEST_P(RefusedPanel, GrabsTheKeyboardWhereTheFocusIsTakenBack)
         QTest::qWait(50); // a finger needs longer to press again
     }
     EXPECT_EQ(neighbour.report().keys, 0);
-    hand.tap(Hand::z);
-    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("z")));
-    EXPECT_TRUE(isUnmanaged());
-    EXPECT_EQ(dismissRequests, 0);
 }
 
-TEST_P(RefusedPanel, BecomesManagedWhereTheGrabIsRefusedToo)
+TEST_P(GrabbingPanel, BecomesManagedWhereTheGrabIsRefused)
 {
     Neighbour neighbour;
-    const Thief thief(neighbour.window, 1);
     Hand other;
     const XcbReply<xcb_grab_keyboard_reply_t> grab(
         xcb_grab_keyboard_reply(other.server().raw(),
@@ -435,35 +405,39 @@ TEST_P(RefusedPanel, BecomesManagedWhereTheGrabIsRefusedToo)
     ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
     open();
     if (!runsUnderWindowManager()) {
-        EXPECT_TRUE(waitForLog(QStringLiteral("stays without the keyboard")));
-        EXPECT_TRUE(waitForClosed()) << "a panel without the keyboard is of no use";
+        EXPECT_TRUE(log.contains(QStringLiteral("stays without the keyboard")));
+        surface.dismiss();
         return;
     }
-    EXPECT_TRUE(waitForLog(QStringLiteral("asks the window manager")));
+    EXPECT_TRUE(log.contains(QStringLiteral("asks the window manager")));
     EXPECT_FALSE(isUnmanaged());
-    EXPECT_TRUE(waitForPanelFocus());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hand.focus() == panel.winId(); }, 3000));
     EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
     xcb_ungrab_keyboard(other.server().raw(), XCB_CURRENT_TIME);
     other.settle();
+    EXPECT_TRUE(waitForPanelFocus());
     hand.tap(Hand::x);
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
     EXPECT_EQ(panel.geometry(), place);
     surface.dismiss();
     EXPECT_TRUE(neighbour.waitForFocus());
     open();
-    EXPECT_TRUE(waitForPanelFocus());
-    EXPECT_TRUE(isUnmanaged()) << "the next time it is tried again";
+    EXPECT_TRUE(isUnmanaged()) << "the next time the grab is tried again";
 }
 
-TEST_P(PanelOnDesktop, DismissedWithoutBeingOpenLetsTheKeyboardGo)
+TEST_P(AutomaticPanel, KeepsTheKeyboardFromAProgramThatTakesItBackAtOnce)
 {
     Neighbour neighbour;
-    hotKeys->onPress = [this] {
-        ++presses;
-        surface.dismiss();
-    };
-    pressHotKey();
+    // It closes where the machine is too busy for "at once".
+    for (int tries = 0; tries < 10 && !log.contains(QStringLiteral("grabs the keyboard")); ++tries) {
+        open();
+        ASSERT_TRUE(waitForPanelFocus());
+        hand.setFocus(neighbour.window);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !log.isEmpty() || !surface.isPresented(); }, 3000));
+    }
     hand.tap(Hand::x);
-    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("x")));
-    EXPECT_EQ(presses, 1);
+    EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
+    surface.dismiss();
+    hand.tap(Hand::y);
+    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("y")));
 }
