@@ -13,6 +13,7 @@
 namespace {
 
 constexpr qint64 atOnce = 500; // milliseconds after opening
+constexpr int mostCorrections = 3;
 
 // Everything that Qt has sent has been carried out when this returns.
 void awaitQtRequests()
@@ -135,6 +136,7 @@ void PanelKeyboard::setManaged(bool managed)
 void PanelKeyboard::showManaged()
 {
     way = Way::managed;
+    correctionsLeft = mostCorrections;
     const bool isFirst = !panel->isVisible();
     awaited = awaited || isFirst;
     if (isFirst) {
@@ -152,8 +154,6 @@ void PanelKeyboard::showManaged()
 void PanelKeyboard::noticeFocus(quint8 mode, bool mayRepeat)
 {
     if (way == Way::managed) {
-        if (awaited && panel->geometry() != place)
-            panel->setGeometry(place); // the manager knew a better place
         awaited = false;
         hotKeys.releaseKeyboard();
     } else if (focusUnnoticed && mode == XCB_NOTIFY_MODE_UNGRAB) {
@@ -162,6 +162,14 @@ void PanelKeyboard::noticeFocus(quint8 mode, bool mayRepeat)
         if (mayRepeat && way == Way::focus)
             focus->repeat(nativeWindow());
     }
+}
+
+void PanelKeyboard::noticeGeometry()
+{
+    if (way != Way::managed || panel->geometry() == place || shown.elapsed() > atOnce || correctionsLeft <= 0)
+        return;
+    --correctionsLeft; // it may insist
+    panel->setGeometry(place);
 }
 
 void PanelKeyboard::hide(quint32 clickTime)
@@ -194,7 +202,9 @@ bool PanelKeyboard::retake()
         return panel->windowHandle()->setKeyboardGrabEnabled(true);
     if (!focus || hasFocus())
         return true;
-    if (way == Way::managed) {
+    // What a window manager calls active already it does not give the focus again.
+    const bool isActive = activeWindow(front->server().raw(), front->server().root()) == nativeWindow();
+    if (way == Way::managed && !isActive) {
         askToActivate(front->server(), nativeWindow(), serverTime());
         return true;
     }

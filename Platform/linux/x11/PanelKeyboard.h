@@ -59,6 +59,10 @@ public:
     // PanelFocus) while a child of the panel is open.
     void noticeFocus(quint8 mode, bool mayRepeat);
 
+    // The panel is somewhere else than it was, or of another size. Undone while it opens: then it was the
+    // window manager that knew a better place.
+    void noticeGeometry();
+
     // All keys come here, the hot key too, which no longer reaches its own grab.
     [[nodiscard]] bool isGrabbing() const { return way == Way::grab; }
 
@@ -82,6 +86,7 @@ private:
     QPointer<QWidget> panel;
     QRect place;
     QElapsedTimer shown;
+    int correctionsLeft = 0; // of the window manager's place
     Way way = Way::focus;
     bool focusUnnoticed = false; // by others: it moved during the hot key's grab
     bool awaited = false;        // the window manager has not yet given the focus

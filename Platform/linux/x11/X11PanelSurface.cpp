@@ -164,6 +164,8 @@ bool X11PanelSurface::eventFilter(QObject *watched, QEvent *event)
     if (window == panel) {
         if (event->type() == QEvent::Resize)
             shape.update();
+        if (event->type() == QEvent::Resize || event->type() == QEvent::Move)
+            keyboard.noticeGeometry();
         if (event->type() == QEvent::WindowDeactivate)
             QTimer::singleShot(0, this, &X11PanelSurface::whenDeactivated);
         return false;

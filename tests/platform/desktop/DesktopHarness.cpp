@@ -97,6 +97,16 @@ int Hand::modifiers()
     return pointer ? pointer->mask & 0xff : -1;
 }
 
+QRect Hand::geometry(quint32 window)
+{
+    xcb_connection_t *raw = connection->raw();
+    const XcbReply<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(raw, xcb_get_geometry(raw, window), nullptr));
+    const XcbReply<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
+        raw, xcb_translate_coordinates(raw, window, connection->root(), 0, 0), nullptr));
+    return size && origin ? QRect(origin->dst_x, origin->dst_y, size->width, size->height) : QRect();
+}
+
 void Hand::makeDock(QWidget &widget)
 {
     const auto window = static_cast<quint32>(widget.winId());
@@ -118,6 +128,11 @@ Neighbour::Neighbour()
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(QStringLiteral(NEIGHBOUR), QStringList());
     EXPECT_TRUE(QTest::qWaitFor([this] { return window != 0 && focused; }, 15000)) << "no neighbour";
+    Hand hand;
+    EXPECT_TRUE(!runsUnderWindowManager() ||
+                QTest::qWaitFor(
+                    [&] { return activeWindow(hand.server().raw(), hand.server().root()) == window; }, 5000))
+        << "the window manager does not say that it is active";
     static_cast<void>(report()); // what it has asked the window manager for is on its way
 }
 
@@ -130,19 +145,7 @@ Neighbour::~Neighbour()
 
 QPoint Neighbour::middle() const
 {
-    Hand hand;
-    xcb_connection_t *connection = hand.server().raw();
-    const XcbReply<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
-    if (!size)
-        return {};
-    const XcbReply<xcb_translate_coordinates_reply_t> place(
-        xcb_translate_coordinates_reply(connection,
-                                        xcb_translate_coordinates(connection, window, hand.server().root(),
-                                                                  static_cast<int16_t>(size->width / 2),
-                                                                  static_cast<int16_t>(size->height / 2)),
-                                        nullptr));
-    return place ? QPoint(place->dst_x, place->dst_y) : QPoint();
+    return Hand().geometry(window).center();
 }
 
 void Neighbour::kill()

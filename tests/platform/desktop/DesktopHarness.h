@@ -30,6 +30,8 @@ public:
     void unlock();
     // The core modifiers in force.
     [[nodiscard]] int modifiers();
+    // Of the window's content on the screen; null when there is no such window.
+    [[nodiscard]] QRect geometry(quint32 window);
     // Makes the window of the widget, as a dock.
     void makeDock(QWidget &widget);
     // Everything asked for has happened.
