@@ -28,9 +28,11 @@ public:
 const QRect place(300, 300, 400, 200);
 const QPoint outside(50, 900);
 
-// Without a window manager no panel is managed.
+// Without a window manager no panel is managed, in a Wayland session every one.
 std::vector<PanelKind> panelKinds()
 {
+    if (qgetenv("NORVANE_WM") == "mutter-wayland")
+        return {PanelKind::managed};
     if (runsUnderWindowManager())
         return {PanelKind::automatic, PanelKind::grabbing, PanelKind::managed};
     return {PanelKind::automatic, PanelKind::grabbing};
