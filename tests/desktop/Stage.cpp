@@ -115,7 +115,7 @@ std::vector<HistoryFile::Row> Stage::rows() const
 
 std::optional<xcb_window_t> Stage::panel() const
 {
-    return desktop.findWindow({QStringLiteral("Norvane"), {}, true, 400});
+    return desktop.findWindow({QStringLiteral("Norvane"), {}, !managedPanel, 400});
 }
 
 xcb_window_t Stage::awaitPanel() const

@@ -61,6 +61,9 @@ public:
     // The command line of a second start, which asks the first to show its panel.
     [[nodiscard]] Child::Setting commandLine() const;
 
+    // Whether the panel is to be a managed window, as in a Wayland session.
+    bool managedPanel = false;
+
     // The panel's window when it is open.
     [[nodiscard]] std::optional<xcb_window_t> panel() const;
     xcb_window_t awaitPanel() const; // open, with the keyboard

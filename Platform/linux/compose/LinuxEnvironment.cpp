@@ -1,4 +1,3 @@
-#include "Platform/Log.h"
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include <pwd.h>
@@ -27,11 +26,6 @@ void prepareLinuxEnvironment()
     const QByteArray plugin = qgetenv("QT_QPA_PLATFORM");
     const bool isChosen =
         !plugin.isEmpty() && !plugin.startsWith("wayland"); // by a test, or by somebody who knows
-    if (!isWayland || isChosen)
-        return;
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    logLine(QStringLiteral(
-        "Norvane: in this Wayland session the program runs as an X11 program. It records every "
-        "copy where the desktop shares the clipboard with X11 (GNOME does), elsewhere those of "
-        "X11 programs; shortcut and pasting work while an X11 program is in front"));
+    if (isWayland && !isChosen)
+        qputenv("QT_QPA_PLATFORM", "xcb");
 }

@@ -1,5 +1,6 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
+#include "Platform/Log.h"
 #include "Platform/linux/compose/AbsentPasteboard.h"
 #include "Platform/linux/dbus/AtSpiCaret.h"
 #include "Platform/linux/dbus/DBusAppearance.h"
@@ -26,6 +27,16 @@ std::optional<CaretWindow> caretWindow(const X11Workspace &workspace)
     return CaretWindow{workspace.remembered()->identity().pid, *area};
 }
 
+void sayWhatWorks(const X11Workspace &workspace)
+{
+    if (workspace.remembered() == nullptr || !workspace.remembered()->isUnderWayland())
+        return;
+    logLine(QStringLiteral(
+        "Norvane: in this Wayland session the program runs as an X11 program. It records every "
+        "copy where the desktop shares the clipboard with X11 (GNOME does), elsewhere those of "
+        "X11 programs; shortcut and pasting work while an X11 program is in front"));
+}
+
 } // namespace
 
 std::unique_ptr<ApplicationInstance> makeApplicationInstance()
@@ -43,6 +54,7 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->keyboardLayout = std::make_unique<X11KeyboardLayout>();
 
     auto workspace = std::make_unique<X11Workspace>(entries);
+    sayWhatWorks(*workspace);
     auto hotKeys = X11HotKeys::create();
     platform->panelSurface = std::make_unique<X11PanelSurface>(*hotKeys, *workspace);
 

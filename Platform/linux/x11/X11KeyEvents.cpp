@@ -10,6 +10,9 @@ namespace {
 
 constexpr int interval = 10; // milliseconds between two looks at the focus
 constexpr int longestWait = 250;
+// A compositor tells its X server of the modifiers that it believes are down some time after the focus, which
+// lets go of ours.
+constexpr int compositorSettles = 50;
 
 xcb_window_t selectionOwner(XcbConnection &connection, xcb_atom_t selection)
 {
@@ -43,6 +46,7 @@ void X11KeyEvents::postPaste()
         return;
     target = workspace.rememberedWindow();
     triesLeft = longestWait / interval;
+    calmLeft = workspace.remembered()->isUnderWayland() ? compositorSettles / interval : 0;
     askedForPrimary = false;
     retry.start();
     tryToPaste();
@@ -58,6 +62,8 @@ void X11KeyEvents::tryToPaste()
         ownPrimarySelection();
     }
     if (sameWindow && front.hasFocus() && (!paste.pastesPrimary || ownsPrimary())) {
+        if (--calmLeft >= 0)
+            return;
         retry.stop();
         keys->type(paste.stroke);
         return;

@@ -70,13 +70,11 @@ protected:
     {
         for (const char *name : names)
             before.emplace_back(qgetenv(name));
-        setLogSink([this](const QString &line) { log.append(line); });
     }
     void TearDown() override
     {
         for (size_t index = 0; index < before.size(); ++index)
             before[index].isEmpty() ? qunsetenv(names[index]) : qputenv(names[index], before[index]);
-        setLogSink({});
     }
 
     QByteArray prepared(const char *plugin, const char *wayland, const char *session)
@@ -84,7 +82,6 @@ protected:
         qputenv("QT_QPA_PLATFORM", plugin);
         qputenv("WAYLAND_DISPLAY", wayland);
         qputenv("XDG_SESSION_TYPE", session);
-        log.clear();
         prepareLinuxEnvironment();
         return qgetenv("QT_QPA_PLATFORM");
     }
@@ -92,24 +89,18 @@ protected:
     static constexpr std::array<const char *, 3> names{"QT_QPA_PLATFORM", "WAYLAND_DISPLAY",
                                                        "XDG_SESSION_TYPE"};
     std::vector<QByteArray> before;
-    QStringList log;
 };
 
-TEST_F(EnvironmentTest, AWaylandSessionIsUsedThroughX11AndSaysSoOnce)
+TEST_F(EnvironmentTest, AWaylandSessionIsUsedThroughX11)
 {
     for (const auto &[plugin, wayland, session] : {std::tuple{"", "wayland-0", "wayland"},
                                                    {"", "", "wayland"},
                                                    {"wayland", "wayland-0", ""},
-                                                   {"wayland;xcb", "wayland-0", ""}}) {
+                                                   {"wayland;xcb", "wayland-0", ""}})
         EXPECT_EQ(prepared(plugin, wayland, session), "xcb");
-        EXPECT_EQ(log.size(), 1);
-    }
-    for (const auto &[plugin, wayland, session] : {std::tuple{"", "", "x11"},
-                                                   {"offscreen", "wayland-0", "wayland"},
-                                                   {"xcb", "wayland-0", "wayland"}}) {
+    for (const auto &[plugin, wayland, session] :
+         {std::tuple{"", "", "x11"}, {"offscreen", "wayland-0", "wayland"}, {"xcb", "wayland-0", "wayland"}})
         EXPECT_EQ(prepared(plugin, wayland, session), plugin);
-        EXPECT_TRUE(log.isEmpty());
-    }
 }
 
 TEST(LinuxPlatform, AMissingHomeIsTheUsersOwn)
