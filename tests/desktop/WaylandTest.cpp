@@ -84,6 +84,7 @@ protected:
     {
         auto again = stage.commandLine();
         again.arguments << QStringLiteral("--toggle");
+        again.log = stage.logFile(QStringLiteral("toggle.log"));
         Child child(again);
         require(child.awaitExit() == 0, QStringLiteral("--toggle failed"));
     }

@@ -111,22 +111,26 @@ void SyntheticKeys::giveSpareKeyBack()
     spareKeyBack.stop();
 }
 
-// The stroke's own modifiers go down before the user's go up: a lone Alt tap would open a menu.
+// All that has to be known is asked first, so that the stroke reaches the server in one piece: others move
+// modifiers too, a compositor whenever it moves the focus.
 void SyntheticKeys::sendStroke(const Place &where, const KeyStroke &stroke, const XkbKeymap *keymap)
 {
     const xcb_keycode_t control = modifierKey(keymap, XKB_KEY_Control_L, usualControl);
     const xcb_keycode_t shift = modifierKey(keymap, XKB_KEY_Shift_L, usualShift);
-    const ModifierMap map = readModifierMap(connection.raw());
+    const std::vector<xcb_keycode_t> inTheWay = otherModifiersDown(stroke);
+    XcbReply<xcb_xkb_get_state_reply_t> before;
+    if (where.group)
+        before.reset(xcb_xkb_get_state_reply(
+            connection.raw(), xcb_xkb_get_state(connection.raw(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+
+    // The stroke's own modifiers go down before the user's go up: a lone Alt tap would open a menu.
     if (stroke.control)
         fake(XCB_KEY_PRESS, control);
     if (stroke.shift)
         fake(XCB_KEY_PRESS, shift);
-    releaseOtherModifiers(map, stroke);
-
-    XcbReply<xcb_xkb_get_state_reply_t> before;
+    for (const xcb_keycode_t key : inTheWay)
+        fake(XCB_KEY_RELEASE, key);
     if (where.group) {
-        before.reset(xcb_xkb_get_state_reply(
-            connection.raw(), xcb_xkb_get_state(connection.raw(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
         const int others = before ? before->baseGroup + before->latchedGroup : 0;
         const int groups = std::max<int>(static_cast<int>(keymap->groupCount()), 1);
         lockGroup(
@@ -142,12 +146,15 @@ void SyntheticKeys::sendStroke(const Place &where, const KeyStroke &stroke, cons
         lockGroup(before->lockedGroup);
 }
 
-void SyntheticKeys::releaseOtherModifiers(const ModifierMap &map, const KeyStroke &stroke)
+// Modifier keys that are down and do not belong to the stroke.
+std::vector<xcb_keycode_t> SyntheticKeys::otherModifiersDown(const KeyStroke &stroke) const
 {
+    std::vector<xcb_keycode_t> found;
+    const ModifierMap map = readModifierMap(connection.raw());
     const XcbReply<xcb_query_keymap_reply_t> down(
         xcb_query_keymap_reply(connection.raw(), xcb_query_keymap(connection.raw()), nullptr));
     if (!down)
-        return;
+        return found;
     for (size_t modifier = 0; modifier < map.keys.size(); ++modifier) {
         const unsigned bit = 1U << modifier;
         const bool wanted =
@@ -156,9 +163,10 @@ void SyntheticKeys::releaseOtherModifiers(const ModifierMap &map, const KeyStrok
             continue;
         for (const xcb_keycode_t key : map.keys[modifier]) {
             if ((down->keys[key / 8] >> (key % 8) & 1) != 0)
-                fake(XCB_KEY_RELEASE, key);
+                found.push_back(key);
         }
     }
+    return found;
 }
 
 void SyntheticKeys::fake(uint8_t type, xcb_keycode_t key)

@@ -6,6 +6,7 @@
 
 #include <QTimer>
 #include <optional>
+#include <vector>
 
 // Types key strokes through XTEST, whatever the user holds down and whatever layout is in force. Main thread;
 // waits for the X server only.
@@ -33,7 +34,7 @@ private:
     [[nodiscard]] std::optional<Place> place(xkb_keysym_t symbol, const XkbKeymap *keymap);
     [[nodiscard]] std::optional<xcb_keycode_t> borrowSpareKey(xkb_keysym_t symbol);
     void giveSpareKeyBack();
-    void releaseOtherModifiers(const ModifierMap &map, const KeyStroke &stroke);
+    [[nodiscard]] std::vector<xcb_keycode_t> otherModifiersDown(const KeyStroke &stroke) const;
     void sendStroke(const Place &where, const KeyStroke &stroke, const XkbKeymap *keymap);
     void fake(uint8_t type, xcb_keycode_t key);
     void lockGroup(quint32 group);
