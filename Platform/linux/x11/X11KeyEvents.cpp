@@ -10,6 +10,7 @@ namespace {
 
 constexpr int interval = 10; // milliseconds between two looks at the focus
 constexpr int longestWait = 250;
+constexpr int longestWaitForCompositor = 1000; // it draws all windows too, and was seen to take 800
 // A compositor tells its X server of the modifiers that it believes are down some time after the focus, which
 // lets go of ours.
 constexpr int compositorSettles = 50;
@@ -45,8 +46,9 @@ void X11KeyEvents::postPaste()
     if (!canSynthesise())
         return;
     target = workspace.rememberedWindow();
-    triesLeft = longestWait / interval;
-    calmLeft = workspace.remembered()->isUnderWayland() ? compositorSettles / interval : 0;
+    const bool underWayland = workspace.remembered()->isUnderWayland();
+    triesLeft = (underWayland ? longestWaitForCompositor : longestWait) / interval;
+    calmLeft = underWayland ? compositorSettles / interval : 0;
     askedForPrimary = false;
     retry.start();
     tryToPaste();
