@@ -71,6 +71,7 @@ void PanelKeyboard::show(const QRect &geometry)
 {
     place = geometry;
     focusUnnoticed = true;
+    undisturbed = true;
     shown.start();
     if (way == Way::managed ||
         (kind == PanelKind::managed && front != nullptr && hasWindowManager(front->server())))
@@ -213,7 +214,7 @@ bool PanelKeyboard::retake()
 
 bool PanelKeyboard::insist()
 {
-    if (way != Way::focus || !focus || shown.elapsed() > atOnce || !focus->isBack())
+    if (way != Way::focus || !focus || !undisturbed || shown.elapsed() > atOnce || !focus->isBack())
         return false;
     return takeByGrab();
 }

@@ -59,6 +59,10 @@ public:
     // PanelFocus) while a child of the panel is open.
     void noticeFocus(quint8 mode, bool mayRepeat);
 
+    // Somebody grabs the keyboard while the panel has it: what follows is what the user does with other keys,
+    // such as those that switch windows.
+    void noticeGrab() { undisturbed = false; }
+
     // The panel is somewhere else than it was, or of another size. Undone while it opens: then it was the
     // window manager that knew a better place.
     void noticeGeometry();
@@ -88,6 +92,7 @@ private:
     QElapsedTimer shown;
     int correctionsLeft = 0; // of the window manager's place
     Way way = Way::focus;
+    bool undisturbed = false;    // since it opened
     bool focusUnnoticed = false; // by others: it moved during the hot key's grab
     bool awaited = false;        // the window manager has not yet given the focus
 };

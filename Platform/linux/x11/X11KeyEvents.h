@@ -29,7 +29,7 @@ private:
     std::unique_ptr<SyntheticKeys> keys; // null without an X server
     QTimer retry;
     int triesLeft = 0;
-    int calmLeft = 0; // looks at a focus that is there
+    int calmLeft = 0;   // looks at a focus that is there
     quint32 target = 0; // the window that the paste is for
     bool askedForPrimary = false;
 };

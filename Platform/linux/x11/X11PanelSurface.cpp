@@ -143,6 +143,8 @@ bool X11PanelSurface::nativeEventFilter(const QByteArray &type, void *message, q
             if (presented && panel && keyboard.isHeld() && !hasOpenChild())
                 activate();
         });
+    } else if (event.mode == XCB_NOTIFY_MODE_GRAB) {
+        keyboard.noticeGrab();
     } else if (event.mode == XCB_NOTIFY_MODE_NORMAL || event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED) {
         QTimer::singleShot(focusSettles, this, &X11PanelSurface::whenDeactivated);
     }
