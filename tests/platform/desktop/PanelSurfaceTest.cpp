@@ -1,32 +1,13 @@
 #include "Platform/linux/x11/X11PanelSurface.h"
 
-#include "Platform/KeyCodes.h"
-#include "Platform/Log.h"
-#include "Platform/linux/x11/WindowProperties.h"
-#include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
-#include "Platform/linux/x11/X11Workspace.h"
-#include "tests/platform/desktop/DesktopHarness.h"
+#include "tests/platform/desktop/PanelOnDesktop.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QMenu>
-#include <array>
-#include <gtest/gtest.h>
 
 namespace {
-
-class NoEntries : public DesktopEntries {
-public:
-    FrontApplication application(const WindowIdentity &window) const override
-    {
-        return {window.className, window.className};
-    }
-    std::optional<QString> iconName(const QString &) const override { return std::nullopt; }
-};
-
-const QRect place(300, 300, 400, 200);
-const QPoint outside(50, 900);
 
 // Without a window manager no panel is managed, in a Wayland session every one.
 std::vector<PanelKind> panelKinds()
@@ -38,89 +19,7 @@ std::vector<PanelKind> panelKinds()
     return {PanelKind::automatic, PanelKind::grabbing};
 }
 
-std::string nameOf(const ::testing::TestParamInfo<PanelKind> &kind)
-{
-    constexpr std::array names = {"automatic", "grabbing", "managed"};
-    return names[static_cast<size_t>(kind.param)];
-}
-
-// The panel and all that is behind it, wired as the application wires it: the hot key toggles.
-class PanelOnDesktop : public ::testing::TestWithParam<PanelKind> {
-protected:
-    PanelOnDesktop()
-    {
-        EXPECT_EQ(hand.modifiers(), 0) << "the test before left something pressed or locked";
-        surface.adopt(&panel);
-        surface.onDismissRequest = [this] {
-            ++dismissRequests;
-            surface.dismiss();
-        };
-        hotKeys->onPress = [this] {
-            ++presses;
-            if (surface.isPresented())
-                surface.dismiss();
-            else
-                open();
-        };
-        EXPECT_EQ(hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command | ModifierFlag::option), 0);
-        setLogSink([this](const QString &line) { log += line; });
-    }
-    ~PanelOnDesktop() override { setLogSink({}); }
-    void open()
-    {
-        panel.field->clear();
-        panel.field->setFocus();
-        surface.present(place);
-    }
-    void pressHotKey() { hand.chord({Hand::control, Hand::alt, Hand::v}); }
-    bool waitForPanelText(const QString &wanted)
-    {
-        return QTest::qWaitFor([&] { return panel.field->text() == wanted; }, 3000);
-    }
-    // Under a grab the input focus stays where it was.
-    bool hasKeys()
-    {
-        return panel.isActiveWindow() && panel.field->hasFocus() &&
-               (GetParam() == PanelKind::grabbing || hand.focus() == panel.winId());
-    }
-    bool waitForPanelFocus()
-    {
-        return QTest::qWaitForWindowExposed(&panel, 3000) && QTest::qWaitFor([&] { return hasKeys(); }, 3000);
-    }
-    bool isUnmanaged()
-    {
-        return isOverrideRedirect(hand.server().raw(), static_cast<quint32>(panel.winId()));
-    }
-    bool isInItsPlace()
-    {
-        return waitForPanelFocus() &&
-               QTest::qWaitFor([&] { return hand.geometry(static_cast<quint32>(panel.winId())) == place; },
-                               3000);
-    }
-    bool waitForClosed()
-    {
-        return QTest::qWaitFor([&] { return !surface.isPresented() && !panel.isVisible(); }, 3000);
-    }
-
-    Hand hand;
-    Panel panel;
-    std::unique_ptr<X11HotKeys> hotKeys = X11HotKeys::create();
-    X11Workspace workspace{std::make_shared<NoEntries>()};
-    X11PanelSurface surface{*hotKeys, workspace, GetParam()};
-    int presses = 0;
-    int dismissRequests = 0;
-    QString log;
-};
-
 INSTANTIATE_TEST_SUITE_P(Kinds, PanelOnDesktop, ::testing::ValuesIn(panelKinds()), nameOf);
-
-class AutomaticPanel : public PanelOnDesktop {};
-
-INSTANTIATE_TEST_SUITE_P(Kinds, AutomaticPanel, ::testing::Values(PanelKind::automatic), nameOf);
-
-class GrabbingPanel : public PanelOnDesktop {};
-
-INSTANTIATE_TEST_SUITE_P(Kinds, GrabbingPanel, ::testing::Values(PanelKind::grabbing), nameOf);
 
 } // namespace
 
@@ -376,80 +275,4 @@ TEST_P(PanelOnDesktop, IsNeverInFrontAndPastesIntoWhatIs)
         EXPECT_TRUE(neighbour.waitForText(expected));
     }
     EXPECT_FALSE(panel.isVisible());
-}
-
-TEST_P(GrabbingPanel, IsClosedByAHotKeyThatWasHeldWhenItOpened)
-{
-    Neighbour neighbour;
-    for (int round = 1; round <= 2; ++round) {
-        hand.press(Hand::control);
-        hand.press(Hand::alt);
-        hand.press(Hand::v);
-        ASSERT_TRUE(waitForPanelFocus());
-        hand.release(Hand::v); // no longer seen by who waits for the hot key
-        hand.release(Hand::alt);
-        hand.release(Hand::control);
-        hand.tap(Hand::x);
-        EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
-        pressHotKey();
-        ASSERT_TRUE(waitForClosed());
-        EXPECT_EQ(presses, 2 * round);
-        EXPECT_TRUE(neighbour.waitForFocus());
-        QTest::qWait(50); // a finger needs longer to press again
-    }
-    EXPECT_EQ(neighbour.report().keys, 0);
-}
-
-TEST_P(GrabbingPanel, BecomesManagedWhereTheGrabIsRefused)
-{
-    Neighbour neighbour;
-    Hand other;
-    const XcbReply<xcb_grab_keyboard_reply_t> grab(
-        xcb_grab_keyboard_reply(other.server().raw(),
-                                xcb_grab_keyboard(other.server().raw(), 1, other.server().root(),
-                                                  XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-                                nullptr));
-    ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
-    open();
-    if (!runsUnderWindowManager()) {
-        EXPECT_TRUE(log.contains(QStringLiteral("stays without the keyboard")));
-        surface.dismiss();
-        return;
-    }
-    EXPECT_TRUE(log.contains(QStringLiteral("asks the window manager")));
-    EXPECT_FALSE(isUnmanaged());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return hand.focus() == panel.winId(); }, 3000));
-    EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
-    xcb_ungrab_keyboard(other.server().raw(), XCB_CURRENT_TIME);
-    other.settle();
-    EXPECT_TRUE(waitForPanelFocus());
-    hand.tap(Hand::x);
-    EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
-    EXPECT_TRUE(isInItsPlace());
-    surface.dismiss();
-    EXPECT_TRUE(neighbour.waitForFocus());
-    // The manager takes its time to let go of the window too.
-    const auto isUnmanagedAgain = [&] {
-        surface.dismiss();
-        open();
-        return isUnmanaged();
-    };
-    EXPECT_TRUE(QTest::qWaitFor(isUnmanagedAgain, 3000)) << "the next time the grab is tried again";
-}
-
-TEST_P(AutomaticPanel, KeepsTheKeyboardFromAProgramThatTakesItBackAtOnce)
-{
-    Neighbour neighbour;
-    // It closes where the machine is too busy for "at once".
-    for (int tries = 0; tries < 10 && !log.contains(QStringLiteral("grabs the keyboard")); ++tries) {
-        open();
-        ASSERT_TRUE(waitForPanelFocus());
-        hand.setFocus(neighbour.window);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !log.isEmpty() || !surface.isPresented(); }, 3000));
-    }
-    hand.tap(Hand::x);
-    EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
-    surface.dismiss();
-    hand.tap(Hand::y);
-    EXPECT_TRUE(neighbour.waitForText(QStringLiteral("y")));
 }
