@@ -54,8 +54,10 @@ void RawClicks::select(uint32_t events) const
         xcb_input_event_mask_t head;
         uint32_t mask;
     } selection = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-    xcb_input_xi_select_events(connection->raw(), connection->root(), 1, &selection.head);
-    connection->flush();
+    // Awaited: a click right behind this must not be missed.
+    const XcbReply<xcb_generic_error_t> refused(xcb_request_check(
+        connection->raw(),
+        xcb_input_xi_select_events_checked(connection->raw(), connection->root(), 1, &selection.head)));
 }
 
 void RawClicks::handle(const xcb_generic_event_t &event) const
