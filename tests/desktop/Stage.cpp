@@ -299,6 +299,19 @@ Target Stage::openMousepad(const QByteArray &content)
     return opened(std::move(program), {QStringLiteral("Mousepad"), QFileInfo(file).fileName(), {}, 0}, file);
 }
 
+std::unique_ptr<Child> Stage::startCompositor()
+{
+    auto program =
+        std::make_unique<Child>(Child::Setting{QStringLiteral("picom"),
+                                               {QStringLiteral("--config"), QStringLiteral("/dev/null"),
+                                                QStringLiteral("--backend"), QStringLiteral("xrender")},
+                                               logFile(QStringLiteral("picom.log")),
+                                               {}});
+    require(desktop.waitFor([&] { return desktop.selectionOwner("_NET_WM_CM_S0") != XCB_NONE; }),
+            QStringLiteral("picom does not draw the screen"));
+    return program;
+}
+
 void Stage::awaitContent(const Target &target, const QByteArray &expected) const
 {
     const bool arrived = desktop.waitFor([&] { return target.content() == expected; });

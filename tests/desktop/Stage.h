@@ -89,6 +89,9 @@ public:
     Target openTerminal();
     Target openQtEntry();
     Target openMousepad(const QByteArray &content = {});
+    // A compositor, drawing the screen when this returns.
+    std::unique_ptr<Child> startCompositor();
+
     void awaitContent(const Target &target, const QByteArray &expected) const;
 
     // A fresh path in the scratch folder.
