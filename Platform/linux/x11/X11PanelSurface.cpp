@@ -184,11 +184,17 @@ void X11PanelSurface::dismiss()
 // The server says that the panel has the focus once more when the grab of the hot key ends.
 bool X11PanelSurface::nativeEventFilter(const QByteArray &type, void *message, qintptr *)
 {
-    if (!focusUnnoticed || type != "xcb_generic_event_t")
+    if (type != "xcb_generic_event_t")
         return false;
     const auto &event = *static_cast<const xcb_focus_in_event_t *>(message);
-    if ((event.response_type & 0x7f) != XCB_FOCUS_IN || event.mode != XCB_NOTIFY_MODE_UNGRAB || !panel ||
-        event.event != nativeWindow())
+    const int kind = event.response_type & 0x7f;
+    if ((kind != XCB_FOCUS_IN && kind != XCB_FOCUS_OUT) || !panel || event.event != nativeWindow())
+        return false;
+    // A switcher of windows grabs the keyboard: Qt takes the panel for inactive at that, while it still has
+    // the focus, and has nothing to tell when the focus then goes.
+    if (kind == XCB_FOCUS_OUT && event.mode != XCB_NOTIFY_MODE_GRAB)
+        QTimer::singleShot(0, this, &X11PanelSurface::whenDeactivated);
+    if (kind != XCB_FOCUS_IN || !focusUnnoticed || event.mode != XCB_NOTIFY_MODE_UNGRAB)
         return false;
     focusUnnoticed = false;
     if (presented && focus && !hasOpenChild())
