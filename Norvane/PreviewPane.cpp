@@ -45,14 +45,19 @@ QString lineCountText(const QString &text)
     return lines == 1 ? L("1 riga") : L("%@ righe", lines);
 }
 
-QString fileCountText(const QString &paths)
+QString fileCountText(const QString &text)
 {
-    qsizetype count = 0;
-    for (const auto path : QStringView(paths).tokenize(u'\n', Qt::SkipEmptyParts)) {
-        Q_UNUSED(path)
-        ++count;
-    }
+    const auto count = filePaths(text).size();
     return count == 1 ? L("1 file") : L("%@ file", count);
+}
+
+// One path a line.
+QString pathLines(const QString &text)
+{
+    QStringList lines;
+    for (const QStringView path : filePaths(text))
+        lines << path.toString().replace(u'\n', u'⏎');
+    return lines.join(u'\n');
 }
 
 } // namespace
@@ -144,11 +149,12 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
 
 QStringList PreviewPane::showText(const Clip &clip)
 {
-    const qsizetype shown = lengthOfClusters(QStringView(clip.text).left(unitsShown), charactersShown);
+    const QString text = clip.kind == ClipKind::files ? pathLines(clip.text) : clip.text;
+    const qsizetype shown = lengthOfClusters(QStringView(text).left(unitsShown), charactersShown);
     QFont font = Metrics::font(12);
     font.setFamilies({QStringLiteral("monospace")});
     font.setStyleHint(QFont::Monospace);
-    textView->showText(clip.text.left(shown), font, 0);
+    textView->showText(text.left(shown), font, 0);
     arrange(Arrangement::textOnly);
     if (clip.kind == ClipKind::files)
         return {fileCountText(clip.text)};

@@ -13,7 +13,7 @@ constexpr int longestGuess = 3000; // the same, in trays that do not say when it
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem()
+TrayStatusItem::TrayStatusItem(OpenTrayBus openBus) : trays(std::move(openBus))
 {
     refreshing.setSingleShot(true);
     refreshing.setInterval(refreshDelay);
