@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QLabel>
 #include <QPointer>
+#include <QTextLayout>
 #include <QThreadPool>
 
 using Metrics::scaled;
@@ -23,6 +24,7 @@ constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one cha
 constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
 constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
                 imageShare = 0.55;
+constexpr int infoLines = 3;      // at most
 constexpr int longestSide = 4096; // of a decoded preview, pixels
 
 bool isLarge(const Clip &clip)
@@ -49,6 +51,27 @@ QString fileCountText(const QString &text)
 {
     const auto count = filePaths(text).size();
     return count == 1 ? L("1 file") : L("%@ file", count);
+}
+
+// A text broken into so many lines at most, the last one ending in an ellipsis where there would be more.
+QString elidedLines(const QString &text, const QFont &font, int width, int lines)
+{
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    QString result;
+    for (int i = 0; i < lines; ++i) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(width);
+        const QString rest = text.mid(line.textStart());
+        if (i + 1 == lines)
+            result += QFontMetrics(font).elidedText(rest, Qt::ElideRight, width);
+        else
+            result += rest.left(line.textLength()).trimmed() + QChar::LineSeparator;
+    }
+    layout.endLayout();
+    return result;
 }
 
 // One path a line.
@@ -78,7 +101,7 @@ PreviewPane::~PreviewPane() = default;
 
 QString PreviewPane::information() const
 {
-    return infoLabel->text();
+    return info;
 }
 
 void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
@@ -87,7 +110,7 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
         shownClip.reset();
         shownRevision = 0;
         ++*generation;
-        infoLabel->clear();
+        info.clear();
         arrange(Arrangement::nothing);
         return;
     }
@@ -101,7 +124,7 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
     if (clip->appName)
         parts << L("da %@", *clip->appName);
     parts << dateText(clip->created);
-    infoLabel->setText(parts.join(QStringLiteral(" · ")));
+    info = parts.join(QStringLiteral(" · "));
     placeViews();
 }
 
@@ -172,8 +195,9 @@ void PreviewPane::arrange(Arrangement chosen)
 void PreviewPane::placeViews()
 {
     const int infoWidth = std::max(0, width() - 2 * scaled(infoInset));
-    const int threeLines = 3 * infoLabel->fontMetrics().lineSpacing();
-    const int infoHeight = std::min(infoLabel->heightForWidth(infoWidth), threeLines);
+    infoLabel->setText(elidedLines(info, infoLabel->font(), infoWidth, infoLines));
+    infoLabel->setAccessibleName(info);
+    const int infoHeight = infoLabel->heightForWidth(infoWidth);
     const int infoTop = height() - scaled(infoBottom) - infoHeight;
     infoLabel->setGeometry(scaled(infoInset), infoTop, infoWidth, infoHeight);
 

@@ -89,6 +89,7 @@ private:
     PreviewText *textView;
     PreviewImage *imageView;
     QLabel *infoLabel;
+    QString info; // all of it; the label may show less
     Arrangement arrangement = Arrangement::nothing;
     QSizeF pixelSize;
     bool readsImages = false;

@@ -162,6 +162,29 @@ void followsTheDesktop(Stage &stage)
     awaitGround(stage, false, "no preference");
 }
 
+// Light and dark, under a compositor that comes while the panel is open.
+void castsAShadow(Stage &stage)
+{
+    SettingsPortal portal(2);
+    require(portal.isOnTheBus(), QStringLiteral("there is a settings portal already"));
+    restart(stage, QStringLiteral("en"));
+    const auto front = stage.openMousepad("The panel lies above this page.\n");
+    const QRect panel = stage.desktop.geometry(stage.openPanel());
+    const auto shade = [&](int beside) {
+        const QPoint place(panel.right() + beside, panel.center().y());
+        const QImage seen = screenshot(stage.desktop, QRect(place, QSize(1, 1)));
+        return seen.isNull() ? -1 : qGray(seen.pixel(0, 0));
+    };
+    require(shade(4) == shade(60), QStringLiteral("a shadow without a compositor"));
+    const auto compositor = stage.startCompositor();
+    require(stage.desktop.waitFor([&] { return shade(4) < shade(60) - 8; }),
+            QStringLiteral("no shadow under a compositor"));
+    stage.saveScreenshot(QStringLiteral("panel-shadow"));
+    portal.change(1);
+    awaitGround(stage, true, "dark under a compositor");
+    stage.saveScreenshot(QStringLiteral("panel-shadow-dark"));
+}
+
 // The corner is cut along a circle of 12 points in the pixels of the screen, line by line.
 void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
 {
@@ -214,6 +237,7 @@ Steps looksSteps()
 {
     return {
         {"the panel is dark where the desktop is, and follows it while it is open", followsTheDesktop},
+        {"the panel casts a shadow where there is a compositor", castsAShadow},
         {"the panel on finer screens: 1, 1.5 and 2", finerScreens},
     };
 }
