@@ -175,7 +175,8 @@ void castsAShadow(Stage &stage)
         const QImage seen = screenshot(stage.desktop, QRect(place, QSize(1, 1)));
         return seen.isNull() ? -1 : qGray(seen.pixel(0, 0));
     };
-    require(shade(4) == shade(60), QStringLiteral("a shadow without a compositor"));
+    require(stage.desktop.waitFor([&] { return shade(4) == shade(60); }),
+            QStringLiteral("a shadow without a compositor"));
     const auto compositor = stage.startCompositor();
     require(stage.desktop.waitFor([&] { return shade(4) < shade(60) - 8; }),
             QStringLiteral("no shadow under a compositor"));
