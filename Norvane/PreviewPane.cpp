@@ -58,20 +58,18 @@ QString elidedLines(const QString &text, const QFont &font, int width, int lines
 {
     QTextLayout layout(text, font);
     layout.beginLayout();
-    QString result;
-    for (int i = 0; i < lines; ++i) {
+    QStringList broken;
+    while (broken.size() < lines) {
         QTextLine line = layout.createLine();
         if (!line.isValid())
             break;
         line.setLineWidth(width);
         const QString rest = text.mid(line.textStart());
-        if (i + 1 == lines)
-            result += QFontMetrics(font).elidedText(rest, Qt::ElideRight, width);
-        else
-            result += rest.left(line.textLength()).trimmed() + QChar::LineSeparator;
+        broken << (broken.size() + 1 < lines ? rest.left(line.textLength()).trimmed()
+                                             : QFontMetrics(font).elidedText(rest, Qt::ElideRight, width));
     }
     layout.endLayout();
-    return result;
+    return broken.join(u'\n');
 }
 
 // One path a line.
