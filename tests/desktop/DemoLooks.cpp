@@ -186,8 +186,9 @@ void castsAShadow(Stage &stage)
     stage.saveScreenshot(QStringLiteral("panel-shadow-dark"));
 }
 
-// The corner is cut along a circle of 12 points in the pixels of the screen, line by line.
-void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
+// What is wrong with a corner, which is cut along a circle of 12 points in the pixels of the screen, line by
+// line.
+QString cornerFault(const Stage &stage, const QRect &panel, double scale)
 {
     const int radius = qRound(12 * scale);
     const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
@@ -198,13 +199,14 @@ void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
             ++inset;
         const double height = radius - line - 0.5;
         const double circle = radius - std::sqrt(radius * radius - height * height);
-        require(std::abs(inset - circle) <= 0.5,
-                QStringLiteral("scale %1: line %2 of the corner begins at %3, not %4")
-                    .arg(scale)
-                    .arg(line)
-                    .arg(inset)
-                    .arg(circle));
+        if (std::abs(inset - circle) > 0.5)
+            return QStringLiteral("scale %1: line %2 of the corner begins at %3, not %4")
+                .arg(scale)
+                .arg(line)
+                .arg(inset)
+                .arg(circle);
     }
+    return {};
 }
 
 void photographScaled(Stage &stage, const QString &language, const QStringList &variables, double scale,
@@ -213,7 +215,9 @@ void photographScaled(Stage &stage, const QString &language, const QStringList &
     restart(stage, language, variables);
     const QRect panel = stage.desktop.geometry(stage.openPanel());
     require(panel.width() >= 460 * scale, QStringLiteral("the panel is %1 pixels wide").arg(panel.width()));
-    requireRoundCorner(stage, panel, scale);
+    QString fault; // until the panel is painted there is one
+    require(stage.desktop.waitFor([&] { return (fault = cornerFault(stage, panel, scale)).isEmpty(); }),
+            fault);
     stage.saveScreenshot(name);
     stage.closePanel();
     stage.quit();
