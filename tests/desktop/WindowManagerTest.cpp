@@ -355,7 +355,10 @@ TEST_F(BesideWindowManager, IsMovedAndResizedWithTheMouseAndKeepsItsSize)
         stage.keyboard.point(QPoint(400, 300));
         const auto panel = stage.openPanel();
         const QRect first = stage.desktop.geometry(panel);
-        stage.keyboard.drag(first.bottomRight() - QPoint(5, 5), first.bottomRight() + QPoint(35, 25));
+        const QPoint corner = first.bottomRight() - QPoint(5, 5);
+        require(stage.desktop.waitFor([&] { return windowAt(corner) == panel; }),
+                QStringLiteral("clicks in the panel's corner go elsewhere"));
+        stage.keyboard.drag(corner, first.bottomRight() + QPoint(35, 25));
         const QRect larger = first.adjusted(0, 0, 40, 30);
         EXPECT_TRUE(stage.desktop.waitFor([&] { return stage.desktop.geometry(panel) == larger; }))
             << "not resized";
