@@ -162,17 +162,14 @@ void opensAtTheCaret(Stage &stage)
     stage.closePanel();
 
     // Towards the foot of the screen there is no room below the line.
-    const uint32_t low[] = {200, 560, 640, 400};
-    xcb_configure_window(
-        stage.desktop.connection(), editor.window,
-        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, low);
+    const int height = stage.desktop.geometry(editor.window).height();
+    const int top = stage.desktop.screen().height_in_pixels - height - 30;
+    const uint32_t low[] = {200, static_cast<uint32_t>(top)};
+    xcb_configure_window(stage.desktop.connection(), editor.window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                         low);
     xcb_flush(stage.desktop.connection());
-    // The editor has to know its size too before it can scroll to the end.
-    const auto hasMoved = [&] {
-        const QRect window = stage.desktop.geometry(editor.window);
-        return window.top() > 540 && window.contains(page.extents());
-    };
-    require(stage.desktop.waitFor(hasMoved), QStringLiteral("the editor did not move"));
+    require(stage.desktop.waitFor([&] { return stage.desktop.geometry(editor.window).top() >= top; }),
+            QStringLiteral("the editor did not move"));
     openAtCaret(stage, page, "Ctrl+End", false);
     stage.saveScreenshot(QStringLiteral("caret-above"));
 }
