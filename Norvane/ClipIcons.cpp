@@ -89,8 +89,8 @@ QPixmap ClipIcons::kindIcon(const Clip &clip, int size, const QColor &color, qre
         return pixmap;
     }
     if (clip.kind == ClipKind::files) {
-        const QString first = clip.text.section(u'\n', 0, 0, QString::SectionSkipEmpty);
-        QPixmap icon = first.isEmpty() ? QPixmap() : fileIcon(first, size, scale);
+        const auto paths = filePaths(clip.text);
+        QPixmap icon = paths.empty() ? QPixmap() : fileIcon(paths.front().toString(), size, scale);
         if (!icon.isNull())
             return icon;
     }

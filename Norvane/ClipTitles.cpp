@@ -12,7 +12,7 @@
 namespace {
 
 constexpr double justNow = 45; // seconds
-constexpr int namesShown = 4;
+constexpr size_t namesShown = 4;
 
 bool isLineBreak(QChar c)
 {
@@ -52,20 +52,19 @@ QString joinedLines(const QString &text)
     return lines.join(QStringLiteral(" ⏎ "));
 }
 
-QString fileNames(const QString &paths)
+QString fileNames(const QString &text)
 {
+    const auto paths = filePaths(text);
     QStringList names;
-    qsizetype count = 0;
-    for (const auto path : QStringView(paths).tokenize(u'\n', Qt::SkipEmptyParts)) {
-        if (count++ < namesShown) {
-            const QStringView trimmed = path.endsWith(u'/') && path.size() > 1 ? path.chopped(1) : path;
-            const QStringView name = trimmed.mid(trimmed.lastIndexOf(u'/') + 1);
-            names << (name.isEmpty() ? trimmed : name).toString();
-        }
+    for (size_t i = 0; i < paths.size() && i < namesShown; ++i) {
+        const QStringView path = paths[i];
+        const QStringView trimmed = path.endsWith(u'/') && path.size() > 1 ? path.chopped(1) : path;
+        const QStringView name = trimmed.mid(trimmed.lastIndexOf(u'/') + 1);
+        names << (name.isEmpty() ? trimmed : name).toString();
     }
-    if (count == 1)
+    if (paths.size() == 1)
         return names.first();
-    return L("%@ file: ", count) + names.join(QStringLiteral(", "));
+    return L("%@ file: ", paths.size()) + names.join(QStringLiteral(", "));
 }
 
 QString imageMeasures(const Clip &clip)

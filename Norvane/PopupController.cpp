@@ -21,9 +21,6 @@
 
 namespace {
 
-const QString panelWidthKey = QStringLiteral("panelWidth");
-const QString panelHeightKey = QStringLiteral("panelHeight");
-
 constexpr int preparationDelay = 150; // milliseconds after the last change: a paste comes first
 
 bool needsText(PasteMode mode)
@@ -35,12 +32,10 @@ bool needsText(PasteMode mode)
 
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
-      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons))
+      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons)),
+      size(given.prefs.defaults())
 {
-    const UserDefaults &defaults = services.prefs.defaults();
-    panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
-                                              defaults.real(panelHeightKey).value_or(0))
-                      .toSize());
+    panel->resize(size.initial());
     panel->setHint(L("⏎ incolla  ·  ⇧⏎ senza formato  ·  ⌥⏎ copia  ·  ⌘E modifica  ·  ⌘P fissa  ·  "
                      "⌘⌫ elimina  ·  ⌘1–9 rapida  ·  ⇥ filtro"));
     panel->keyHandler = [this](QKeyEvent *event) { return handlePanelKey(event); };
@@ -124,21 +119,24 @@ void PopupController::place(const std::optional<QRectF> &caret)
     if (screens.empty())
         return;
     const auto anchor = caret ? std::optional(PanelPlacement::flipped(*caret, primaryHeight)) : std::nullopt;
-    const auto frame =
-        PanelPlacement::place(QSizeF(panel->size()), services.prefs.position(), anchor,
-                              PanelPlacement::flipped(services.screens.pointer(), primaryHeight), screens);
-    services.surface.present(PanelPlacement::flipped(frame, primaryHeight).toRect());
+    const QSize wanted = size.wanted(panel->size());
+    const QRect frame = PanelPlacement::flipped(
+                            PanelPlacement::place(
+                                QSizeF(wanted), services.prefs.position(), anchor,
+                                PanelPlacement::flipped(services.screens.pointer(), primaryHeight), screens),
+                            primaryHeight)
+                            .toRect();
+    size.setPlaced(wanted, frame.size());
+    // On a screen too small for the smallest panel, it is smaller still.
+    panel->setMinimumSize(frame.size().boundedTo(PanelPlacement::minimumSize.toSize()));
+    services.surface.present(frame);
 }
 
 void PopupController::hide()
 {
     if (!isVisible())
         return;
-    UserDefaults &defaults = services.prefs.defaults();
-    if (defaults.real(panelWidthKey).value_or(0) != panel->width())
-        defaults.setReal(panelWidthKey, panel->width());
-    if (defaults.real(panelHeightKey).value_or(0) != panel->height())
-        defaults.setReal(panelHeightKey, panel->height());
+    size.store(panel->size());
     services.surface.dismiss();
     prepareLater();
 }

@@ -2,6 +2,7 @@
 
 #include "Norvane/ClipIcons.h"
 #include "Norvane/ClipListModel.h"
+#include "Norvane/RememberedSize.h"
 #include "Norvane/paste/PasteMode.h"
 #include "Norvane/store/ClipSearch.h"
 
@@ -92,6 +93,7 @@ private:
     ClipListModel model;
     ClipIcons icons;
     std::unique_ptr<PopupPanel> panel;
+    RememberedSize size;
     ClipFilter filter_ = ClipFilter::all;
     QTimer preparing;
     bool prepared = false; // the list is as the next opening wants it

@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QLabel>
 #include <QPointer>
+#include <QTextLayout>
 #include <QThreadPool>
 
 using Metrics::scaled;
@@ -23,6 +24,7 @@ constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one cha
 constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
 constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
                 imageShare = 0.55;
+constexpr int infoLines = 3;      // at most
 constexpr int longestSide = 4096; // of a decoded preview, pixels
 
 bool isLarge(const Clip &clip)
@@ -45,14 +47,38 @@ QString lineCountText(const QString &text)
     return lines == 1 ? L("1 riga") : L("%@ righe", lines);
 }
 
-QString fileCountText(const QString &paths)
+QString fileCountText(const QString &text)
 {
-    qsizetype count = 0;
-    for (const auto path : QStringView(paths).tokenize(u'\n', Qt::SkipEmptyParts)) {
-        Q_UNUSED(path)
-        ++count;
-    }
+    const auto count = filePaths(text).size();
     return count == 1 ? L("1 file") : L("%@ file", count);
+}
+
+// A text broken into so many lines at most, the last one ending in an ellipsis where there would be more.
+QString elidedLines(const QString &text, const QFont &font, int width, int lines)
+{
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    QStringList broken;
+    while (broken.size() < lines) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(width);
+        const QString rest = text.mid(line.textStart());
+        broken << (broken.size() + 1 < lines ? rest.left(line.textLength()).trimmed()
+                                             : QFontMetrics(font).elidedText(rest, Qt::ElideRight, width));
+    }
+    layout.endLayout();
+    return broken.join(u'\n');
+}
+
+// One path a line.
+QString pathLines(const QString &text)
+{
+    QStringList lines;
+    for (const QStringView path : filePaths(text))
+        lines << path.toString().replace(u'\n', u'⏎');
+    return lines.join(u'\n');
 }
 
 } // namespace
@@ -73,7 +99,7 @@ PreviewPane::~PreviewPane() = default;
 
 QString PreviewPane::information() const
 {
-    return infoLabel->text();
+    return info;
 }
 
 void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
@@ -82,7 +108,7 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
         shownClip.reset();
         shownRevision = 0;
         ++*generation;
-        infoLabel->clear();
+        info.clear();
         arrange(Arrangement::nothing);
         return;
     }
@@ -96,7 +122,7 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
     if (clip->appName)
         parts << L("da %@", *clip->appName);
     parts << dateText(clip->created);
-    infoLabel->setText(parts.join(QStringLiteral(" · ")));
+    info = parts.join(QStringLiteral(" · "));
     placeViews();
 }
 
@@ -144,11 +170,12 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
 
 QStringList PreviewPane::showText(const Clip &clip)
 {
-    const qsizetype shown = lengthOfClusters(QStringView(clip.text).left(unitsShown), charactersShown);
+    const QString text = clip.kind == ClipKind::files ? pathLines(clip.text) : clip.text;
+    const qsizetype shown = lengthOfClusters(QStringView(text).left(unitsShown), charactersShown);
     QFont font = Metrics::font(12);
     font.setFamilies({QStringLiteral("monospace")});
     font.setStyleHint(QFont::Monospace);
-    textView->showText(clip.text.left(shown), font, 0);
+    textView->showText(text.left(shown), font, 0);
     arrange(Arrangement::textOnly);
     if (clip.kind == ClipKind::files)
         return {fileCountText(clip.text)};
@@ -166,8 +193,9 @@ void PreviewPane::arrange(Arrangement chosen)
 void PreviewPane::placeViews()
 {
     const int infoWidth = std::max(0, width() - 2 * scaled(infoInset));
-    const int threeLines = 3 * infoLabel->fontMetrics().lineSpacing();
-    const int infoHeight = std::min(infoLabel->heightForWidth(infoWidth), threeLines);
+    infoLabel->setText(elidedLines(info, infoLabel->font(), infoWidth, infoLines));
+    infoLabel->setAccessibleName(info);
+    const int infoHeight = infoLabel->heightForWidth(infoWidth);
     const int infoTop = height() - scaled(infoBottom) - infoHeight;
     infoLabel->setGeometry(scaled(infoInset), infoTop, infoWidth, infoHeight);
 

@@ -11,7 +11,8 @@ class Pasteboard;
 class Preferences;
 class QLabel;
 
-// A text that can be selected and copied, through our own pasteboard, but not changed. Main thread.
+// A text that can be selected and copied, through our own pasteboard, but not changed: selecting leaves the
+// primary selection of the X server alone. Main thread.
 class PreviewText : public QPlainTextEdit {
     Q_OBJECT
 
@@ -25,7 +26,6 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
@@ -89,6 +89,7 @@ private:
     PreviewText *textView;
     PreviewImage *imageView;
     QLabel *infoLabel;
+    QString info; // all of it; the label may show less
     Arrangement arrangement = Arrangement::nothing;
     QSizeF pixelSize;
     bool readsImages = false;

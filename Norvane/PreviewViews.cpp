@@ -3,6 +3,7 @@
 #include "Norvane/Palette.h"
 #include "Norvane/PreviewPane.h"
 #include "Norvane/SlimScrollBar.h"
+#include "Norvane/TextSelection.h"
 #include "Platform/Pasteboard.h"
 #include "Vesmo/Localisation.h"
 
@@ -79,6 +80,7 @@ PreviewText::PreviewText(Pasteboard &generalPasteboard, QWidget *parent)
     setVerticalScrollBar(new SlimScrollBar(this));
     document()->setDocumentMargin(scaled(8));
     setTabChangesFocus(true);
+    new TextSelection(this);
     QPalette colours;
     colours.setColor(QPalette::Base, Qt::transparent);
     setPalette(colours);
@@ -112,14 +114,10 @@ void PreviewText::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Copy))
         copySelection();
+    else if (event->matches(QKeySequence::SelectAll))
+        selectAll(); // as the menu does; the toolkit's key would own the primary selection too
     else
         QPlainTextEdit::keyPressEvent(event);
-}
-
-void PreviewText::mousePressEvent(QMouseEvent *event)
-{
-    if (event->button() != Qt::MiddleButton)
-        QPlainTextEdit::mousePressEvent(event);
 }
 
 void PreviewText::contextMenuEvent(QContextMenuEvent *event)

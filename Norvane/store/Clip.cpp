@@ -31,6 +31,19 @@ QString title(ClipKind kind)
     return {};
 }
 
+std::vector<QStringView> filePaths(QStringView text)
+{
+    std::vector<QStringView> paths;
+    for (const QStringView line : text.tokenize(u'\n', Qt::SkipEmptyParts)) {
+        const bool goesOn = !paths.empty() && paths.back().startsWith(u'/') && !line.startsWith(u'/');
+        if (goesOn)
+            paths.back() = QStringView(paths.back().begin(), line.end());
+        else
+            paths.push_back(line);
+    }
+    return paths;
+}
+
 std::optional<QByteArray> dataOfType(const std::vector<ClipFormat> &formats, QStringView type)
 {
     const auto found = std::find_if(formats.begin(), formats.end(),

@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QSizeF>
 #include <QString>
+#include <QStringView>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -97,6 +98,10 @@ public:
 private:
     mutable std::optional<QImage> decodedThumbnail;
 };
+
+// The paths in the text of a files clip, one a line. All are absolute, so a line that does not begin like one
+// goes on a path whose name has a line break.
+[[nodiscard]] std::vector<QStringView> filePaths(QStringView text);
 
 using ClipPointer = std::shared_ptr<Clip>;
 using ClipList = std::vector<ClipPointer>;

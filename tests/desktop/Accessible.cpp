@@ -113,6 +113,13 @@ bool Accessible::is(State state) const
     return words.size() > int(bit / 32) && (words[int(bit / 32)] >> (bit % 32)) & 1U;
 }
 
+QRect Accessible::caret() const
+{
+    const int offset = property(textInterface, QStringLiteral("CaretOffset")).toInt();
+    const auto box = ask(textInterface, QStringLiteral("GetCharacterExtents"), {offset, 0U});
+    return box.size() < 4 ? QRect() : QRect(box[0].toInt(), box[1].toInt(), box[2].toInt(), box[3].toInt());
+}
+
 QRect Accessible::extents() const
 {
     const auto answer = ask(QStringLiteral("org.a11y.atspi.Component"), QStringLiteral("GetExtents"), {0U});
@@ -167,13 +174,13 @@ QString Accessible::tree(int indent) const
     return lines;
 }
 
-SelectionEvents::SelectionEvents()
+SelectionEvents::SelectionEvents(const QString &watched) : state(watched)
 {
     // Programs only tell what somebody has registered for.
     auto registration = QDBusMessage::createMethodCall(
         QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("/org/a11y/atspi/registry"),
         QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("RegisterEvent"));
-    registration << QStringLiteral("object:state-changed:selected") << QStringList() << QString();
+    registration << QString(QStringLiteral("object:state-changed:") + state) << QStringList() << QString();
     accessibilityBus().call(registration, QDBus::Block, answerBound);
     accessibilityBus().connect(QString(), QString(), QStringLiteral("org.a11y.atspi.Event.Object"),
                                QStringLiteral("StateChanged"), this, SLOT(stateChanged(QDBusMessage)));
@@ -182,6 +189,6 @@ SelectionEvents::SelectionEvents()
 void SelectionEvents::stateChanged(const QDBusMessage &message)
 {
     const auto arguments = message.arguments();
-    if (arguments.value(0) == QLatin1String("selected") && arguments.value(1).toInt() == 1)
+    if (arguments.value(0) == state && arguments.value(1).toInt() == 1)
         objects.push_back(Accessible(message.service(), message.path()));
 }

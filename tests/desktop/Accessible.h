@@ -27,6 +27,7 @@ public:
     [[nodiscard]] QString text() const; // what a text field or view holds
     [[nodiscard]] bool is(State state) const;
     [[nodiscard]] QRect extents() const; // screen coordinates, logical pixels
+    [[nodiscard]] QRect caret() const;   // of a text's caret, the same coordinates; empty when there is none
     [[nodiscard]] std::vector<Accessible> children() const;
 
     // The first object below this one, this one included, for which the test holds; depth first.
@@ -54,13 +55,13 @@ private:
     QString path;
 };
 
-// What programs tell a screen reader as it happens: each object that has become the selected one. Needs the
-// event loop; main thread.
+// What programs tell a screen reader as it happens: each object that has become the selected one, or the one
+// with the focus. Needs the event loop; main thread.
 class SelectionEvents : public QObject {
     Q_OBJECT
 
 public:
-    SelectionEvents(); // listens from now on
+    explicit SelectionEvents(const QString &state = QStringLiteral("selected")); // or "focused"; from now on
 
     [[nodiscard]] const std::vector<Accessible> &selected() const { return objects; }
 
@@ -68,5 +69,6 @@ private Q_SLOTS:
     void stateChanged(const QDBusMessage &message);
 
 private:
+    QString state;
     std::vector<Accessible> objects;
 };

@@ -1,5 +1,4 @@
 #include "tests/desktop/SamplePicture.h"
-#include "tests/desktop/SelectionOwner.h"
 #include "tests/desktop/Stage.h"
 
 namespace {
@@ -52,15 +51,6 @@ const Day &italianDay()
     return day;
 }
 
-void copyAs(Stage &stage, const SelectionOwner::Content &content)
-{
-    const auto before = stage.rows().size();
-    SelectionOwner owner(content);
-    require(owner.claim(), QStringLiteral("the selection was not to be had"));
-    require(stage.desktop.waitFor([&] { return stage.rows().size() == before + 1; }),
-            QStringLiteral("not recorded: ") + QString::fromLatin1(content.first().first));
-}
-
 void copyAll(Stage &stage, const Day &day)
 {
     stage.copy(day.note);
@@ -70,10 +60,10 @@ void copyAll(Stage &stage, const Day &day)
             QStringLiteral("nothing was pinned"));
     stage.closePanel();
     stage.copy("https://www.example.org/catalogue?page=12#quinces");
-    copyAs(stage, {{"text/uri-list", day.files}});
+    stage.copyForms({{"text/uri-list", day.files}});
     stage.copy(day.lines);
     stage.copy(samplePicture(), "image/png");
-    copyAs(stage, {{"text/html", day.styled}, {"UTF8_STRING", day.styledText}});
+    stage.copyForms({{"text/html", day.styled}, {"UTF8_STRING", day.styledText}});
 }
 
 void photograph(Stage &stage, const Day &day)

@@ -14,7 +14,6 @@ struct Free {
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, Free>;
 
-constexpr int treeDepth = 3; // a client stands at most two frames below the root
 constexpr std::chrono::milliseconds lookAgain{10};
 constexpr std::chrono::milliseconds byItself{300}; // a window manager activates what has just been opened
 
@@ -79,7 +78,7 @@ void Desktop::drainEvents() const
 std::optional<xcb_window_t> Desktop::findWindow(const WindowMatch &match) const
 {
     std::vector<xcb_window_t> found;
-    collect(shown->root, treeDepth, found);
+    collect(shown->root, match.depth, found);
     for (auto window = found.rbegin(); window != found.rend(); ++window)
         if (matches(*window, match))
             return *window;

@@ -15,6 +15,7 @@ struct WindowMatch {
     QString title;
     std::optional<bool> overrideRedirect;
     int minimumWidth = 0; // pixels: tells a panel from its menus and tooltips
+    int depth = 3;        // below the root: a client stands at most two frames below it, a tray's icon deeper
 };
 
 // The running X session, seen as a user sees it: which windows are there, where, and who has the keyboard.

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QLocalServer>
 #include <QTemporaryDir>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -133,6 +134,55 @@ TEST_F(BareDesktop, OpensWithoutASessionBus)
 {
     start({QStringLiteral("DBUS_SESSION_BUS_ADDRESS=disabled:")});
     EXPECT_TRUE(panelOpens()) << log();
+}
+
+// A tray that takes icons is there: the toolkit would ask that bus before it makes one.
+TEST_F(BareDesktop, OpensWhileTheSessionBusHangs)
+{
+    QLocalServer hungBus; // takes every caller, answers none
+    ASSERT_TRUE(hungBus.listen(scratch.filePath(QStringLiteral("bus"))));
+    const Child tray({QStringLiteral("trayer"), {}, {}, {}});
+    ASSERT_TRUE(desktop.waitFor([&] { return desktop.selectionOwner("_NET_SYSTEM_TRAY_S0") != XCB_NONE; }));
+    start({QStringLiteral("DBUS_SESSION_BUS_ADDRESS=unix:path=") + hungBus.fullServerName()});
+    EXPECT_TRUE(panelOpens()) << log();
+}
+
+TEST_F(BareDesktop, SelectingInThePreviewLeavesThePrimarySelectionAlone)
+{
+    const Child other(
+        {QStringLiteral("sh"),
+         {QStringLiteral("-c"), QStringLiteral("printf elsewhere | exec xclip -quiet -selection primary -i")},
+         {},
+         {}});
+    ASSERT_TRUE(desktop.waitFor([&] { return desktop.selectionOwner("PRIMARY") != XCB_NONE; }));
+    const auto owner = desktop.selectionOwner("PRIMARY");
+    start();
+    ASSERT_TRUE(panelOpens()) << log();
+    ASSERT_TRUE(clipboard.set("first second third\nfourth"));
+    ASSERT_TRUE(isNewest(QStringLiteral("first second third\nfourth"))) << log();
+    const QRect frame = desktop.geometry(*panel());
+    const QPoint word(frame.left() + frame.width() * 57 / 100 + 12, frame.top() + 62);
+    const struct {
+        std::function<void()> select;
+        QByteArray selected;
+    } ways[] = {
+        {[&] { keyboard.click(word, 2); }, "first"},
+        {[&] { keyboard.click(word, 3); }, "first second third"},
+        {[&] { keyboard.drag(word + QPoint(frame.width() / 3, 0), word - QPoint(20, 0)); },
+         "first second third"},
+        {[&] { keyboard.press(QStringLiteral("Ctrl+A")); }, "first second third\nfourth"},
+    };
+    for (const auto &way : ways) {
+        ASSERT_TRUE(clipboard.set("first second third\nfourth"));
+        // The finished copy is what tells that the keys and clicks before it have been taken.
+        EXPECT_TRUE(desktop.waitFor([&] {
+            way.select();
+            keyboard.press(QStringLiteral("Ctrl+C"));
+            return desktop.waitFor([&] { return clipboard.read() == way.selected; }, Milliseconds(1000));
+        })) << way.selected.toStdString()
+            << " is not selected but " << clipboard.read().value_or(QByteArray()).toStdString();
+        EXPECT_EQ(desktop.selectionOwner("PRIMARY"), owner) << way.selected.toStdString();
+    }
 }
 
 TEST_F(BareDesktop, OpensWhileTheClipboardOwnerHangs)

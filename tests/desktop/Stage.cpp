@@ -207,6 +207,22 @@ QString Stage::countText() const
     return label ? label->name() : QString();
 }
 
+Accessible Stage::awaitPart(const QString &role, const QString &name) const
+{
+    std::optional<Accessible> found;
+    const auto isIt = [&](const Accessible &part) {
+        return part.role() == role && part.is(Accessible::State::showing) &&
+               (name.isEmpty() || part.name() == name);
+    };
+    const bool there = desktop.waitFor([&] {
+        const auto program = Accessible::application(running->pid());
+        found = program ? program->find(isIt) : std::nullopt;
+        return found.has_value();
+    });
+    require(there, QStringLiteral("there is no %1 \"%2\"").arg(role, name));
+    return *found;
+}
+
 void Stage::awaitListed(qsizetype count, const QString &when) const
 {
     const bool right = desktop.waitFor([&] { return listed().size() == count; }, Desktop::Milliseconds(3000));
@@ -233,6 +249,15 @@ void Stage::copy(const QByteArray &bytes, const QByteArray &target)
         return target == "UTF8_STRING" ? newest.text.toUtf8() == bytes : isNew;
     };
     require(desktop.waitFor(recorded), QStringLiteral("the copy was not recorded: ") + quoted(bytes));
+}
+
+void Stage::copyForms(const SelectionOwner::Content &content)
+{
+    const auto before = rows().size();
+    SelectionOwner owner(content);
+    require(owner.claim(), QStringLiteral("the selection was not to be had"));
+    require(desktop.waitFor([&] { return rows().size() == before + 1; }),
+            QStringLiteral("not recorded: ") + QString::fromLatin1(content.first().first));
 }
 
 bool Stage::isNewest(const QString &text) const
@@ -297,6 +322,19 @@ Target Stage::openMousepad(const QByteArray &content)
                                                           logFile(QStringLiteral("mousepad.log")),
                                                           {}});
     return opened(std::move(program), {QStringLiteral("Mousepad"), QFileInfo(file).fileName(), {}, 0}, file);
+}
+
+std::unique_ptr<Child> Stage::startCompositor()
+{
+    auto program =
+        std::make_unique<Child>(Child::Setting{QStringLiteral("picom"),
+                                               {QStringLiteral("--config"), QStringLiteral("/dev/null"),
+                                                QStringLiteral("--backend"), QStringLiteral("xrender")},
+                                               logFile(QStringLiteral("picom.log")),
+                                               {}});
+    require(desktop.waitFor([&] { return desktop.selectionOwner("_NET_WM_CM_S0") != XCB_NONE; }),
+            QStringLiteral("picom does not draw the screen"));
+    return program;
 }
 
 void Stage::awaitContent(const Target &target, const QByteArray &expected) const

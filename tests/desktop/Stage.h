@@ -6,6 +6,7 @@
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/HistoryFile.h"
 #include "tests/desktop/Keyboard.h"
+#include "tests/desktop/SelectionOwner.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -78,6 +79,8 @@ public:
     [[nodiscard]] bool searchHasFocus() const;
     [[nodiscard]] QStringList listed() const;
     [[nodiscard]] QString countText() const;
+    // The part that a screen reader would call this; any name when that is empty.
+    Accessible awaitPart(const QString &role, const QString &name = {}) const;
     void awaitListed(qsizetype count, const QString &when) const;
 
     // Hot key, a few words and the last chord, with no pause in between: as fast as fingers can be.
@@ -85,6 +88,7 @@ public:
 
     // Copies through another program and waits until it is recorded.
     void copy(const QByteArray &bytes, const QByteArray &target = "UTF8_STRING");
+    void copyForms(const SelectionOwner::Content &content); // the same copy in several forms
     [[nodiscard]] bool isNewest(const QString &text) const;
     HistoryFile::Row awaitNewest(const QString &text) const;
 
@@ -92,6 +96,9 @@ public:
     Target openTerminal();
     Target openQtEntry();
     Target openMousepad(const QByteArray &content = {});
+    // A compositor, drawing the screen when this returns.
+    std::unique_ptr<Child> startCompositor();
+
     void awaitContent(const Target &target, const QByteArray &expected) const;
 
     // A fresh path in the scratch folder.
@@ -127,3 +134,5 @@ Steps panelSteps();
 Steps lifeSteps();
 Steps screenSteps();
 Steps looksSteps();
+Steps viewSteps();
+Steps traySteps();

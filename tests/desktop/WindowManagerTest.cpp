@@ -299,12 +299,53 @@ TEST_F(BesideWindowManager, ItsCornersShowWhatLiesBehind)
         stage.keyboard.point(QPoint(screenSize().width() / 2, screenSize().height() / 3));
         const auto panel = stage.openPanel();
         const QRect frame = stage.desktop.geometry(panel);
-        const QImage picture = steadyScreenshot(stage.desktop);
+        QImage picture;
+        const QPoint ground(frame.center().x(), frame.bottom() - 3); // of the panel, less white than the view
+        const QPoint view(frame.center().x(), frame.bottom() + 60);
+        require(stage.desktop.waitFor([&] {
+            picture = screenshot(stage.desktop);
+            const int seen = qGray(picture.pixel(ground));
+            return seen > 200 && seen < 250 && qGray(picture.pixel(view)) == 255;
+        }),
+                QStringLiteral("the panel is not on the screen"));
         for (const QPoint corner :
              {frame.topLeft(), frame.topRight(), frame.bottomLeft(), frame.bottomRight()})
             EXPECT_GT(qGray(picture.pixel(corner)), 200)
                 << corner.x() << ' ' << corner.y(); // the view is white
         EXPECT_NE(windowAt(frame.topLeft()), panel) << "clicks beyond the curve are not for the panel";
+    });
+}
+
+// The compositor comes and, where the manager is none itself, goes while the panel is open.
+TEST_F(BesideWindowManager, ItsShadowComesAndGoesWithTheCompositorAndTakesNoClicks)
+{
+    show([this] {
+        fillScreen();
+        stage.keyboard.point(QPoint(screenSize().width() / 2, screenSize().height() / 3));
+        const QRect frame = stage.desktop.geometry(stage.openPanel());
+        const QPoint under(frame.center().x(), frame.bottom() + 5);
+        const auto isShaded = [&] {
+            const QImage seen = screenshot(stage.desktop, QRect(under, QSize(1, 60)));
+            return !seen.isNull() && qGray(seen.pixel(0, 0)) < 235 && qGray(seen.pixel(0, 59)) > 250;
+        };
+        std::unique_ptr<Child> compositor;
+        const auto isComposited = [&] { return stage.desktop.selectionOwner("_NET_WM_CM_S0") != XCB_NONE; };
+        if (!isComposited()) {
+            EXPECT_FALSE(isShaded());
+            compositor = stage.startCompositor();
+        }
+        EXPECT_TRUE(stage.desktop.waitFor(isShaded)) << "no shadow under a compositor";
+        if (compositor) {
+            compositor.reset();
+            EXPECT_TRUE(stage.desktop.waitFor([&] { return !isShaded(); })) << "a shadow without compositor";
+            compositor = stage.startCompositor();
+            EXPECT_TRUE(stage.desktop.waitFor(isShaded)) << "no shadow under the second compositor";
+        }
+        stage.keyboard.click(under);
+        stage.awaitNoPanel();
+        EXPECT_TRUE(stage.desktop.waitFor([&] { return !isShaded(); })) << "the shadow outlived the panel";
+        stage.keyboard.type(QStringLiteral("q"));
+        stage.awaitContent({nullptr, target.window, target.viewFile, {}}, "q");
     });
 }
 
@@ -314,11 +355,17 @@ TEST_F(BesideWindowManager, IsMovedAndResizedWithTheMouseAndKeepsItsSize)
         stage.keyboard.point(QPoint(400, 300));
         const auto panel = stage.openPanel();
         const QRect first = stage.desktop.geometry(panel);
-        stage.keyboard.drag(first.bottomRight() - QPoint(5, 5), first.bottomRight() + QPoint(35, 25));
+        const QPoint corner = first.bottomRight() - QPoint(5, 5);
+        require(stage.desktop.waitFor([&] { return windowAt(corner) == panel; }),
+                QStringLiteral("clicks in the panel's corner go elsewhere"));
+        stage.keyboard.drag(corner, first.bottomRight() + QPoint(35, 25));
         const QRect larger = first.adjusted(0, 0, 40, 30);
         EXPECT_TRUE(stage.desktop.waitFor([&] { return stage.desktop.geometry(panel) == larger; }))
             << "not resized";
         const QPoint hint = larger.bottomLeft() + QPoint(60, -14);
+        require(
+            stage.desktop.waitFor([&] { return windowAt(hint) == panel; }), // its shape grows a moment later
+            QStringLiteral("clicks in the larger panel go elsewhere"));
         stage.keyboard.drag(hint, hint + QPoint(120, 80));
         const QRect moved = larger.translated(120, 80);
         EXPECT_TRUE(stage.desktop.waitFor([&] { return stage.desktop.geometry(panel) == moved; }))

@@ -49,6 +49,8 @@ TEST(ClipTitlesTest, TitleIsOneLineOfTheContent)
         {filesClip(u"/etc/hosts"_s), u"hosts"},
         {filesClip(u"/home/u/cartella/"_s), u"cartella"},
         {filesClip(u"/a/1\n/a/2\n/a/3\n/a/4\n/a/5"_s), u"5 file: 1, 2, 3, 4"},
+        {filesClip(u"/a/two\nlines.txt"_s), u"two ⏎ lines.txt"},
+        {filesClip(u"/a/1\n/a/two\n\nlines\n/a/3"_s), u"3 file: 1, two ⏎ lines, 3"},
         {imageClip(std::nullopt), u"Immagine 560×200"},
         {imageClip(QString()), u"Immagine 560×200"},
         {imageClip(u"Fattura n. 118\ndel 21/09/2026"_s), u"Fattura n. 118 ⏎ del 21/09/2026"},

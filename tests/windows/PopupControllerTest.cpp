@@ -334,6 +334,25 @@ TEST_F(PopupControllerTest, SizeIsRememberedWhenItCloses)
     EXPECT_EQ(platform->defaults->real(u"panelHeight"_s), 500);
 }
 
+TEST_F(PopupControllerTest, ASmallScreenMakesThePanelSmallOnlyThere)
+{
+    auto &areas = static_cast<MemoryScreens &>(*platform->screens).areas;
+    const auto roomy = areas;
+    const QRectF small(0, 0, 500, 320);
+    const auto openOn = [&](const std::vector<ScreenArea> &screens) {
+        areas = screens;
+        popup.show();
+        const QSize shown = popup.window().size();
+        popup.hide();
+        return shown;
+    };
+    EXPECT_EQ(openOn({{small, small}}), QSize(400, 256)) << "less than it may be resized to";
+    EXPECT_EQ(platform->defaults->real(u"panelWidth"_s), 400);
+    const RememberedSize next(*platform->defaults);
+    EXPECT_EQ(next.wanted(next.initial()), QSize(780, 470)) << "after a restart";
+    EXPECT_EQ(openOn(roomy), QSize(780, 470));
+}
+
 TEST_F(PopupControllerTest, EveryOpeningFollowsThePreviewSetting)
 {
     addText(u"uno"_s);

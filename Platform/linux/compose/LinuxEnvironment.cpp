@@ -1,4 +1,6 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
+#include "Platform/linux/dbus/BusProbe.h"
+#include "Platform/linux/dbus/InstanceActions.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -15,12 +17,23 @@ void findHome()
         qputenv("HOME", user->pw_dir);
 }
 
+// The toolkit connects to the session's bus too (for screen readers, for the tray), and would wait for ever
+// for one that hangs; without an address it would start one. So it is told that there is none. Programs that
+// we start are told the same.
+void leaveDeadBusAlone()
+{
+    const QString address = sessionBusAddress();
+    if (address.isEmpty() || !busAnswers(address, instanceAnswerLimit))
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+}
+
 } // namespace
 
 // Our windows and services are X11's: a Wayland session serves them through its X server for such programs.
 void prepareLinuxEnvironment()
 {
     findHome();
+    leaveDeadBusAlone();
     const bool isWayland =
         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qgetenv("XDG_SESSION_TYPE") == "wayland";
     const QByteArray plugin = qgetenv("QT_QPA_PLATFORM");

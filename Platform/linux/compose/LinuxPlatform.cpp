@@ -5,6 +5,7 @@
 #include "Platform/linux/dbus/AtSpiCaret.h"
 #include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
+#include "Platform/linux/dbus/SessionBus.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
@@ -73,7 +74,7 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->workspace = std::move(workspace);
     platform->hotKeys = std::move(hotKeys);
     platform->screens = std::make_unique<X11Screens>();
-    platform->statusItem = std::make_unique<TrayStatusItem>();
+    platform->statusItem = std::make_unique<TrayStatusItem>(connectToSessionBus);
     platform->appearance = std::make_unique<DBusAppearance>();
     return platform;
 }

@@ -2,8 +2,8 @@
 
 #include "Platform/Platform.h"
 
-// Sets what Qt must know before its application object is made (the X11 platform plug-in in a Wayland
-// session).
+// Sets what Qt must know before its application object is made: the X11 platform plug-in in a Wayland
+// session, and that there is no session bus where it does not answer.
 void prepareLinuxEnvironment();
 
 // The way to the running instance; needs a QCoreApplication.

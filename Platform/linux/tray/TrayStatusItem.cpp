@@ -13,7 +13,7 @@ constexpr int longestGuess = 3000; // the same, in trays that do not say when it
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem()
+TrayStatusItem::TrayStatusItem(OpenTrayBus openBus) : trays(std::move(openBus))
 {
     refreshing.setSingleShot(true);
     refreshing.setInterval(refreshDelay);
@@ -88,10 +88,13 @@ void TrayStatusItem::refresh()
         menu->setItems(menuContents());
 }
 
-// Rows that appear or go now would close the menu, or leave it with a wrong height.
+// Rows that appear or go now would close an exported menu, or leave it with a wrong height. Our own may
+// change: it takes its size after this.
 void TrayStatusItem::aboutToOpen()
 {
-    if (menuContents)
+    if (menuContents && kind == Kind::embedded)
+        menu->setItems(menuContents());
+    else if (menuContents)
         menu->setTexts(menuContents());
     openTime.start(saysClosed ? longestOpen : longestGuess);
 }

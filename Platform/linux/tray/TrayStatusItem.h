@@ -19,7 +19,7 @@ class TrayStatusItem : public QObject, public StatusItem {
     Q_OBJECT
 
 public:
-    TrayStatusItem();
+    explicit TrayStatusItem(OpenTrayBus openBus);
     ~TrayStatusItem() override;
 
     void show() override;

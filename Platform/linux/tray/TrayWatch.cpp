@@ -1,10 +1,8 @@
 #include "Platform/linux/tray/TrayWatch.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QFile>
 #include <QGuiApplication>
 #include <cstdlib>
 #include <xcb/xcb.h>
@@ -14,6 +12,7 @@ namespace {
 constexpr int answerTime = 2000; // milliseconds
 constexpr int askAgainAfter = 5000;
 
+const QString connectionName = QStringLiteral("norvane-tray");
 const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
@@ -23,13 +22,6 @@ struct Freed {
 };
 template <typename Value>
 using Reply = std::unique_ptr<Value, Freed<Value>>;
-
-// Without an address the bus library would start a bus of its own, which no tray is on.
-bool hasSessionBus()
-{
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
 
 xcb_connection_t *connection()
 {
@@ -56,14 +48,20 @@ struct TrayWatch::Atoms {
     xcb_atom_t manager = XCB_ATOM_NONE;
 };
 
-TrayWatch::TrayWatch()
+TrayWatch::TrayWatch(OpenTrayBus open) : openBus(std::move(open))
 {
     askingAgain.setSingleShot(true);
     askingAgain.setInterval(askAgainAfter);
     connect(&askingAgain, &QTimer::timeout, this, &TrayWatch::askNotifier);
 }
 
-TrayWatch::~TrayWatch() = default;
+TrayWatch::~TrayWatch()
+{
+    question.reset();
+    ownerWatch.reset();
+    bus.reset();
+    QDBusConnection::disconnectFromBus(connectionName);
+}
 
 void TrayWatch::start()
 {
@@ -73,17 +71,17 @@ void TrayWatch::start()
 
 void TrayWatch::watchNotifier()
 {
-    if (!hasSessionBus() || !QDBusConnection::sessionBus().isConnected()) {
+    bus = openBus(connectionName);
+    if (!bus) {
         setNotifier(Notifier::absent);
         return;
     }
-    auto bus = QDBusConnection::sessionBus();
     ownerWatch =
-        std::make_unique<QDBusServiceWatcher>(watcherName, bus, QDBusServiceWatcher::WatchForOwnerChange);
+        std::make_unique<QDBusServiceWatcher>(watcherName, *bus, QDBusServiceWatcher::WatchForOwnerChange);
     connect(ownerWatch.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayWatch::askNotifier);
     for (const auto &change :
          {QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered")})
-        bus.connect(QString(), watcherPath, watcherName, change, this, SLOT(askNotifier()));
+        bus->connect(QString(), watcherPath, watcherName, change, this, SLOT(askNotifier()));
     askNotifier();
 }
 
@@ -95,8 +93,7 @@ void TrayWatch::askNotifier()
         watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     message << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
     message.setAutoStartService(false);
-    question = std::make_unique<QDBusPendingCallWatcher>(
-        QDBusConnection::sessionBus().asyncCall(message, answerTime));
+    question = std::make_unique<QDBusPendingCallWatcher>(bus->asyncCall(message, answerTime));
     connect(question.get(), &QDBusPendingCallWatcher::finished, this, &TrayWatch::takeAnswer);
 }
 

@@ -1,13 +1,18 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QDBusConnection>
 #include <QObject>
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
+
+// Opens a connection of its own to the session's bus under this name; absent when there is none that answers.
+using OpenTrayBus = std::function<std::optional<QDBusConnection>(const QString &name)>;
 
 // Which trays the desktop has: one that takes StatusNotifierItems over the session bus, one that embeds
 // windows, or both. Knows of trays that come and go. Main thread; no question waits for its answer.
@@ -15,7 +20,7 @@ class TrayWatch : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
-    TrayWatch();
+    explicit TrayWatch(OpenTrayBus openBus);
     ~TrayWatch() override;
 
     // Finds out what is there now, then calls onChange at every change.
@@ -39,6 +44,8 @@ private:
     void watchEmbedder();
     void findEmbedder();
 
+    OpenTrayBus openBus;
+    std::optional<QDBusConnection> bus;
     Notifier notifier_ = Notifier::unknown;
     std::unique_ptr<QDBusServiceWatcher> ownerWatch;
     std::unique_ptr<QDBusPendingCallWatcher> question;

@@ -35,6 +35,7 @@ void PanelShape::adopt(QWidget *widget)
 {
     panel = widget;
     panel->setAttribute(Qt::WA_TranslucentBackground);
+    shadow.adopt(panel, cornerRadius);
 }
 
 void PanelShape::update()
@@ -55,6 +56,7 @@ void PanelShape::update()
     setShape(XCB_SHAPE_SK_INPUT, smooth ? rounded : QRegion());
     if (changed)
         panel->update();
+    shadow.setUnderCompositor(smooth);
 }
 
 // On Qt's own connection, so that it comes in order with what Qt does to the window. Empty: the whole window.

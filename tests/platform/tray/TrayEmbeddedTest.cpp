@@ -107,7 +107,9 @@ protected:
         return QTest::qWaitFor([] { return !QApplication::activePopupWidget(); }, patience);
     }
 
-    TrayStatusItem item;
+    TrayStatusItem item{[](const QString &name) {
+        return std::optional(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name));
+    }};
     QProcess tray;
     std::vector<ClosureMenuItem> rows;
     int activations = 0;

@@ -46,7 +46,9 @@ protected:
         return QTest::qWaitFor([&] { return texts(host) == expected; }, patience);
     }
 
-    TrayStatusItem item;
+    TrayStatusItem item{[](const QString &name) {
+        return std::optional(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name));
+    }};
     std::vector<ClosureMenuItem> rows{row(u"uno"_s, u"1"_s)};
     int changes = 0;
     int activations = 0;
