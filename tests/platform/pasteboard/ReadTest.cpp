@@ -52,9 +52,8 @@ TEST_F(ReadTest, FormsComeInTheOwnersOrderAndAreAskedForByValue)
 TEST_F(ReadTest, WhatHasSideEffectsIsNeverConverted)
 {
     Owner owner;
-    for (const char *dangerous :
-         {"DELETE", "SAVE_TARGETS", "INSERT_SELECTION", "GTK_TEXT_BUFFER_CONTENTS",
-          "x-special/gnome-copied-files", "application/x-openoffice-link;windows_formatname=\"Link\""})
+    for (const char *dangerous : {"DELETE", "SAVE_TARGETS", "INSERT_SELECTION", "GTK_TEXT_BUFFER_CONTENTS",
+                                  "application/x-openoffice-link;windows_formatname=\"Link\""})
         owner.offer(dangerous, "boom");
     owner.offer("UTF8_STRING", "safe");
     copy(owner);
@@ -232,7 +231,7 @@ TEST_F(ReadTest, ATransientMarkIsKeptByItsName)
     EXPECT_FALSE(owner.wasAskedFor("com.example.TransientPasteboardType"));
 }
 
-TEST_F(ReadTest, FilesAreOneItemEachAndTheirCutMarkIsLeftAlone)
+TEST_F(ReadTest, FilesAreOneItemEachAndTheListBelongsToTheFirst)
 {
     Owner owner;
     owner.offer("text/uri-list", QByteArray("file:///a%20b\r\nfile:///c\0", 25))
@@ -243,7 +242,9 @@ TEST_F(ReadTest, FilesAreOneItemEachAndTheirCutMarkIsLeftAlone)
     EXPECT_EQ(items()[0].data(u"public.file-url"), QByteArray("file:///a%20b"));
     EXPECT_EQ(items()[1].data(u"public.file-url"), QByteArray("file:///c"));
     EXPECT_EQ(items()[0].data(text), QByteArray("/a b\n/c"));
-    EXPECT_FALSE(owner.wasAskedFor("x-special/gnome-copied-files"));
+    EXPECT_EQ(items()[0].data(u"x-special/gnome-copied-files"), QByteArray("cut\nfile:///a%20b\nfile:///c"));
+    EXPECT_EQ(owner.asked,
+              (QByteArrayList{"TARGETS", "text/uri-list", "x-special/gnome-copied-files", "UTF8_STRING"}));
 }
 
 TEST_F(ReadTest, DerivedPicturesAreNotAskedFor)
