@@ -135,6 +135,7 @@ TEST_P(FarewellTest, OnlyWhatMayOutliveItsProgramDoes)
 
     GetParam().leave(owner);
     EXPECT_EQ(left(GetParam().forms.front().first), GetParam().left);
+    EXPECT_EQ(holderOf("CLIPBOARD") != XCB_WINDOW_NONE, GetParam().left.has_value());
     EXPECT_EQ(pasteboard->changeCount(), before + GetParam().changes);
     EXPECT_EQ(items(), GetParam().changes == 0 ? published : std::vector<PasteboardItem>());
 }

@@ -156,6 +156,12 @@ bool Owner::save(const QByteArrayList &targets)
     return saved.value_or(XCB_ATOM_NONE) != XCB_ATOM_NONE;
 }
 
+void Owner::notifyAgain()
+{
+    xcb_send_event(connection, 0, lastNotify.requestor, 0, reinterpret_cast<const char *>(&lastNotify));
+    sync();
+}
+
 void Owner::comeBack()
 {
     hangs = false;
@@ -200,6 +206,7 @@ void Owner::answer(const xcb_selection_request_event_t &request)
     notify.property = put(request, target) ? request.property : xcb_atom_t(XCB_ATOM_NONE);
     xcb_send_event(connection, 0, request.requestor, 0, reinterpret_cast<const char *>(&notify));
     xcb_flush(connection);
+    lastNotify = notify;
     if (afterAnswering)
         afterAnswering(target);
     if (form != forms.end() && form->second.manner == Form::Manner::dieAfterHeader)

@@ -75,6 +75,7 @@ public:
     void destroyWindow();
     // Asks the clipboard manager to keep these targets, or all; what it answered.
     bool save(const QByteArrayList &targets = {});
+    void notifyAgain(); // of the last answer
     void comeBack(); // from hanging: answers what was asked meanwhile
     [[nodiscard]] bool wasAskedFor(const QByteArray &target) const { return asked.contains(target); }
 
@@ -104,6 +105,7 @@ private:
     std::vector<std::pair<QByteArray, Form>> forms;
     std::vector<Sending> sendings;
     std::vector<xcb_selection_request_event_t> unanswered;
+    xcb_selection_notify_event_t lastNotify{};
     std::optional<xcb_atom_t> saved; // the property of the manager's answer
 };
 
