@@ -197,8 +197,9 @@ TEST_F(ProgramsTest, WhatProgramsCopiedOutlivesThem)
         settle();
         program.kill();
         ASSERT_TRUE(await([&] { return program.state() == QProcess::NotRunning; }));
-        EXPECT_TRUE(await([&] { return run("xclip", {"-selection", "clipboard", "-o"}) == "left behind"; }))
-            << command.front().toStdString();
+        EXPECT_TRUE(await([&] {
+            return run("xclip", {"-selection", "clipboard", "-o"}) == "left behind";
+        })) << command.front().toStdString();
         EXPECT_EQ(pasteboard->changeCount(), before + 1);
     }
 }

@@ -280,8 +280,9 @@ TEST_F(ReadTest, PicturesOfStyledTextAreNotAskedFor)
 TEST_F(ReadTest, ALonelyPictureOfAnotherKindIsOfferedAsPngToo)
 {
     Owner owner;
-    for (const auto &[target, format] : {std::pair("image/bmp", "bmp"), std::pair("image/x-MS-bmp", "bmp"),
-                                         std::pair("image/webp", "webp"), std::pair("image/x-xpixmap", "xpm")}) {
+    for (const auto &[target, format] :
+         {std::pair("image/bmp", "bmp"), std::pair("image/x-MS-bmp", "bmp"), std::pair("image/webp", "webp"),
+          std::pair("image/x-xpixmap", "xpm")}) {
         owner.forgetOffers();
         owner.offer(target, picture(format));
         copy(owner);
