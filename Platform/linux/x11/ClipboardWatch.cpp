@@ -1,6 +1,7 @@
 #include "Platform/linux/x11/ClipboardWatch.h"
 
 #include "Platform/linux/x11/ServedContent.h"
+#include "Platform/linux/x11/WindowProperties.h"
 
 #include <algorithm>
 
@@ -15,6 +16,7 @@ constexpr milliseconds clearGrace(50);    // LibreOffice lets go for 2 ms whenev
 constexpr milliseconds answerGrace(100);  // for the answer of an owner that has let go
 constexpr milliseconds managerGrace(300); // for another clipboard manager to keep what its owner left behind
 constexpr seconds saveLimit(2);
+constexpr milliseconds curiosity(500); // programs that look at every copy have done so by then
 constexpr qint64 minTextBudget = 64LL * 1048576;
 
 bool withholdsText(const std::vector<PasteboardItem> &items)
@@ -99,8 +101,10 @@ void ClipboardWatch::noticeLetGo(TimePoint now)
     owner = XCB_WINDOW_NONE;
     if (reader)
         reader->finishBy(now + answerGrace);
-    if (wasForeign && (saves.wereAnsweredBefore(now) || (lastRead && lastRead->wasLetGoByReading(now)))) {
+    const bool byReading = lastRead && lastRead->wasLetGoByReading(now);
+    if (wasForeign && (byReading || saves.wereAnsweredBefore(now))) {
         keepDue = now;
+        cutKeptAt = byReading ? keepDue : std::nullopt;
         return;
     }
     clearDue = now + clearGrace;
@@ -126,6 +130,18 @@ void ClipboardWatch::serveKept()
 {
     const auto &items = reencoding ? reencoding->items : lastItems;
     call.serve(x.atoms().clipboard, *keptClaim, servedTargets(items, lastRead->originals()));
+}
+
+// Who cuts files and lets go of them when they are asked for means them to be moved once: a second paste
+// would look for files that are gone. So a paste ends this as it would have ended there.
+void ClipboardWatch::noticeServed(xcb_atom_t target, TimePoint now)
+{
+    if (!keptClaim || !cutKeptAt || now < *cutKeptAt + curiosity)
+        return;
+    if (!isCutSelection(atomNames(x.raw(), std::span(&target, 1)).front()))
+        return;
+    cutKeptAt.reset();
+    x.letGo(x.atoms().clipboard);
 }
 
 void ClipboardWatch::save(xcb_window_t requestor, const std::vector<QByteArray> &targets,
@@ -154,6 +170,7 @@ void ClipboardWatch::forgetForeign()
     lastRead.reset();
     lastItems.clear();
     keptClaim.reset();
+    cutKeptAt.reset();
     saves.forget();
     keepDue.reset();
     letGoAt.reset();
@@ -291,7 +308,7 @@ void ClipboardWatch::finishRead(TimePoint now)
     }
     if (letGoAt && lastRead->wasLetGoByReading(*letGoAt)) {
         clearDue.reset();
-        keepDue = now;
+        keepDue = cutKeptAt = now;
     }
     types.learn(lastRead->originals());
     std::vector<PasteboardItem> items = lastRead->items();

@@ -53,6 +53,9 @@ public:
     void save(xcb_window_t requestor, const std::vector<QByteArray> &targets, SaveRequests::Answer answer,
               TimePoint now);
 
+    // Another program was given this target of the clipboard, which is ours.
+    void noticeServed(xcb_atom_t target, TimePoint now);
+
     // Of the targets that were read since the start.
     [[nodiscard]] const TargetTypes &knownTypes() const { return types; }
 
@@ -120,6 +123,7 @@ private:
     std::vector<PasteboardItem> lastItems; // the same as published
     std::optional<TimePoint> keepDue;
     std::optional<PasteboardConnection::Claim> keptClaim;
+    std::optional<TimePoint> cutKeptAt; // what it has was cut, and is to be moved once
 
     // A copy whose picture is on its way to PNG.
     struct Reencoding {

@@ -158,6 +158,16 @@ PasteboardConnection::Claim PasteboardConnection::claimIfFree(xcb_atom_t selecti
     return claim;
 }
 
+void PasteboardConnection::letGo(xcb_atom_t selection)
+{
+    xcb_grab_server(connection);
+    if (ownerOf(selection) == ownWindow)
+        xcb_set_selection_owner(connection, XCB_WINDOW_NONE, selection, XCB_CURRENT_TIME);
+    xcb_ungrab_server(connection);
+    xcb_flush(connection);
+    receiveQueued();
+}
+
 xcb_window_t PasteboardConnection::ownerOf(xcb_atom_t selection) const
 {
     xcb_get_selection_owner_reply_t *reply =

@@ -73,6 +73,9 @@ public:
     // Claims a selection that nobody owns. Refused where somebody does: nothing can come in between.
     Claim claimIfFree(xcb_atom_t selection);
 
+    // Gives up a selection that is ours; one that is not is left alone.
+    void letGo(xcb_atom_t selection);
+
     // Whether two windows are one program's.
     [[nodiscard]] bool areOfOneClient(xcb_window_t a, xcb_window_t b) const;
 

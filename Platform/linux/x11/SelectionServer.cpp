@@ -42,7 +42,7 @@ void SelectionServer::withdraw(xcb_atom_t selection)
     offers_.erase(selection);
 }
 
-void SelectionServer::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
+bool SelectionServer::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
 {
     // Programs of the oldest kind name no property: the answer goes into one named like the target.
     const xcb_atom_t property = request.property != XCB_ATOM_NONE ? request.property : request.target;
@@ -53,6 +53,7 @@ void SelectionServer::handleRequest(const xcb_selection_request_event_t &request
         answered = !tooEarly && answer(found->second, request, property, now);
     }
     notify(request, answered ? property : xcb_atom_t(XCB_ATOM_NONE));
+    return answered;
 }
 
 void SelectionServer::answerSave(const xcb_selection_request_event_t &request, bool kept)
@@ -93,7 +94,7 @@ bool SelectionServer::answer(const Offer &offer, const xcb_selection_request_eve
         return send(key, XCB_ATOM_ATOM, 32, bytesOf(listOf(offer)), now);
     if (request.target == atoms.timestamp)
         return send(key, XCB_ATOM_INTEGER, 32, bytesOf({offer.time}), now);
-    if (request.target == atoms.saveTargets)
+    if (request.target == atoms.saveTargets && request.selection != atoms.clipboardManager)
         return send(key, atoms.null, 32, {}, now);
     if (request.target == atoms.multiple)
         return request.property != XCB_ATOM_NONE && answerMultiple(offer, request, property, now);

@@ -18,7 +18,8 @@ public:
     void withdraw(xcb_atom_t selection);
     [[nodiscard]] bool offers(xcb_atom_t selection) const { return offers_.contains(selection); }
 
-    void handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
+    // False when it was refused.
+    bool handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
     // Tells a program that wanted its content saved whether it is.
     void answerSave(const xcb_selection_request_event_t &request, bool kept);
     // Another program took a selection.

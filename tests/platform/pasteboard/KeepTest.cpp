@@ -1,5 +1,8 @@
 #include "tests/platform/pasteboard/X11Client.h"
 
+#include <QBuffer>
+#include <QImage>
+
 // What becomes of a copy when its program goes.
 
 namespace {
@@ -13,14 +16,16 @@ protected:
     void copy(Owner &owner)
     {
         const qint64 before = pasteboard->changeCount();
+        copier = owner.window();
         owner.claim();
         ASSERT_TRUE(awaitChange(before));
         settle();
     }
 
-    // What another program finds on the clipboard once all that was done is dealt with.
+    // What another program finds on the clipboard once the one that copied has lost it.
     std::optional<QByteArray> left(const char *target)
     {
+        EXPECT_TRUE(await([this] { return !copier || holderOf("CLIPBOARD") != copier; }));
         settle();
         const auto answer = requestor.convert(target);
         return answer ? std::optional(answer->bytes) : std::nullopt;
@@ -36,6 +41,7 @@ protected:
     }
 
     Requestor requestor;
+    xcb_window_t copier = XCB_WINDOW_NONE;
 };
 
 template <typename Value>
@@ -218,6 +224,8 @@ TEST_F(KeepTest, ATakenOverCopyIsClearedAndReplacedAsAnyOther)
 TEST_F(KeepTest, TheRoleOfTheManagerIsTakenOnlyWhenItIsFree)
 {
     EXPECT_NE(holderOf("CLIPBOARD_MANAGER"), xcb_window_t(XCB_WINDOW_NONE));
+    EXPECT_EQ(requestor.targets("CLIPBOARD_MANAGER"),
+              (QByteArrayList{"TIMESTAMP", "TARGETS", "MULTIPLE", "SAVE_TARGETS"}));
     pasteboard.reset();
     Owner manager;
     manager.claim("CLIPBOARD_MANAGER");
@@ -240,7 +248,9 @@ TEST_F(KeepTest, TheRoleOfTheManagerIsTakenOnlyWhenItIsFree)
     EXPECT_EQ(left("UTF8_STRING"), QByteArray("theirs"));
     EXPECT_EQ(holderOf("CLIPBOARD"), manager.window());
 
+    copier = manager.window();
     manager.die();
+    ASSERT_TRUE(await([&] { return holderOf("CLIPBOARD") != copier; }));
     ASSERT_TRUE(await([&] { return holderOf("CLIPBOARD_MANAGER") != XCB_WINDOW_NONE; }));
     EXPECT_EQ(left("UTF8_STRING"), QByteArray("theirs"));
 }
@@ -278,6 +288,44 @@ TEST_F(KeepTest, FilesThatWereCutStayCutThoughReadingThemMadeTheirOwnerLetGo)
     }
 }
 
+// As in pcmanfm, where a paste, but not a look at what was cut, leaves the clipboard empty.
+TEST_F(KeepTest, ACutThatWasHeldAgainstItsOwnersWillIsPastedOnce)
+{
+    Owner owner;
+    owner.offer("x-special/gnome-copied-files", "cut\nfile:///a").offer("text/uri-list", "file:///a");
+    owner.afterAnswering = [&](const QByteArray &target) {
+        if (target == "x-special/gnome-copied-files")
+            owner.letGo();
+    };
+    copy(owner);
+    const qint64 before = pasteboard->changeCount();
+    int looks = 0;
+    while (left("x-special/gnome-copied-files") == "cut\nfile:///a")
+        ++looks;
+    EXPECT_GT(looks, 1);
+    EXPECT_EQ(pasteboard->changeCount(), before + 1);
+    EXPECT_TRUE(items().empty());
+    EXPECT_EQ(holderOf("CLIPBOARD"), xcb_window_t(XCB_WINDOW_NONE));
+}
+
+TEST_F(KeepTest, APictureThatIsStillOnItsWayFollowsWhatWasTakenOver)
+{
+    QImage image(800, 800, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    QByteArray bitmap;
+    QBuffer buffer(&bitmap);
+    image.save(&buffer, "bmp");
+    Owner owner;
+    owner.offer("image/bmp", {bitmap, Form::Manner::incremental});
+    copier = owner.window();
+    owner.claim();
+    ASSERT_TRUE(await([&] { return owner.incrementalEnds == 1; }));
+    owner.sync(); // the end of the picture is with the server
+    owner.die();
+    EXPECT_EQ(QImage::fromData(left("image/png").value_or("")).size(), QSize(800, 800));
+    EXPECT_EQ(left("image/bmp"), bitmap);
+}
+
 TEST_F(KeepTest, FilesThatWereCopiedAreNotHeldAgainstTheirOwnersWill)
 {
     Owner owner;
@@ -305,7 +353,7 @@ TEST_F(KeepTest, TypesFormatsAndBytesStayAsTheyWere)
         .offer("x/own", "own");
     copy(owner);
     owner.die();
-    settle();
+    EXPECT_TRUE(left("x/own"));
     EXPECT_EQ(requestor.targets().sliced(4),
               (QByteArrayList{"x/atoms", "x/shorts", "text/html", "UTF8_STRING", "text/plain;charset=utf-8",
                               "text/plain", "TEXT", "STRING", "x/own"}));
