@@ -87,7 +87,7 @@ void ClipboardWatch::handleOwnerChange(const xcb_xfixes_selection_notify_event_t
 void ClipboardWatch::noticeDeath(TimePoint now)
 {
     owner = XCB_WINDOW_NONE;
-    textReader.reset();
+    texts.stop();
     if (reader)
         reader->stop();
     keepDue = role.isAnothers() ? now + managerGrace : now;
@@ -165,7 +165,7 @@ void ClipboardWatch::save(xcb_window_t requestor, const std::vector<QByteArray> 
 void ClipboardWatch::forgetForeign()
 {
     reader.reset();
-    textReader.reset();
+    texts.stop();
     reencoding.reset();
     lastRead.reset();
     lastItems.clear();
@@ -196,7 +196,7 @@ void ClipboardWatch::noticeClaim(const PasteboardConnection::Claim &claim, qint6
 
 void ClipboardWatch::handleAnswer(const xcb_selection_notify_event_t &event, TimePoint now)
 {
-    if ((reader && reader->handleAnswer(event, now)) || (textReader && textReader->handleAnswer(event, now)))
+    if ((reader && reader->handleAnswer(event, now)) || texts.handleAnswer(event, now))
         return;
     if (event.property != XCB_ATOM_NONE)
         ring.discard(event.property);
@@ -206,8 +206,7 @@ void ClipboardWatch::handleAnswer(const xcb_selection_notify_event_t &event, Tim
 
 void ClipboardWatch::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
 {
-    if ((reader && reader->handleProperty(event, now)) ||
-        (textReader && textReader->handleProperty(event, now)))
+    if ((reader && reader->handleProperty(event, now)) || texts.handleProperty(event, now))
         return;
     if (event.state == XCB_PROPERTY_NEW_VALUE)
         ring.discard(event.atom);
@@ -256,12 +255,9 @@ TimePoint ClipboardWatch::deadline() const
         first = std::min(first, reader->deadline());
     else if (keepDue)
         first = std::min(first, *keepDue);
-    if (textReader)
-        first = std::min(first, textReader->deadline());
+    first = std::min(first, texts.deadline());
     if (reencoding)
         first = std::min(first, reencoding->due);
-    for (const TextRequest &each : textRequests)
-        first = std::min(first, each.limit);
     return first;
 }
 
@@ -361,43 +357,22 @@ void ClipboardWatch::publishItems(std::vector<PasteboardItem> items)
     changes = 0;
 }
 
-void ClipboardWatch::readText(TextCallback callback, TimePoint limit)
+void ClipboardWatch::readText(TextFetch::Callback callback, TimePoint limit)
 {
-    textRequests.push_back({std::move(callback), limit});
+    texts.add(std::move(callback), limit);
 }
 
 void ClipboardWatch::advanceTexts(TimePoint now)
 {
-    if (textRequests.empty())
+    texts.advance(now);
+    if (!texts.isDue() || isReading())
         return;
-    if (textReader)
-        textReader->advance(now);
-    if (textReader && textReader->isFinished()) {
-        const auto items = std::exchange(textReader, nullptr)->items();
-        answerTexts(joinedText(items).value_or(QByteArray()));
+    if (owner == XCB_WINDOW_NONE || owner == x.window() || !textWithheld) {
+        texts.answer(std::nullopt);
         return;
     }
-    const bool foreign = owner != XCB_WINDOW_NONE && owner != x.window();
-    if (!isReading() && !textReader) {
-        if (!foreign || !textWithheld) {
-            answerTexts(std::nullopt);
-            return;
-        }
-        const auto scope = SelectionReader::Scope::text;
-        textReader = std::make_unique<SelectionReader>(
-            x, ring, optionsFor(scope, textRequests.front().limit - now), now);
-    }
-    for (TextRequest &each : textRequests) {
-        if (now >= each.limit)
-            std::exchange(each.callback, nullptr)(QByteArray());
-    }
-    std::erase_if(textRequests, [](const TextRequest &each) { return !each.callback; });
-}
-
-void ClipboardWatch::answerTexts(const std::optional<QByteArray> &text)
-{
-    for (const TextRequest &each : std::exchange(textRequests, {}))
-        each.callback(text);
+    const auto scope = SelectionReader::Scope::text;
+    texts.start(std::make_unique<SelectionReader>(x, ring, optionsFor(scope, texts.limit() - now), now));
 }
 
 void ClipboardWatch::whenIdle(std::function<void()> callback)

@@ -8,6 +8,7 @@
 #include "Platform/linux/x11/SaveRequests.h"
 #include "Platform/linux/x11/SelectionReader.h"
 #include "Platform/linux/x11/TargetTypes.h"
+#include "Platform/linux/x11/TextFetch.h"
 
 #include <functional>
 #include <xcb/xfixes.h>
@@ -61,8 +62,7 @@ public:
 
     // The plain text of the owner of now, hidden or not; nullopt when the last published content answers it.
     // `limit` is when the answer must be there.
-    using TextCallback = std::function<void(std::optional<QByteArray>)>;
-    void readText(TextCallback callback, TimePoint limit);
+    void readText(TextFetch::Callback callback, TimePoint limit);
 
     // Calls back when nothing is being read: at once when nothing is.
     void whenIdle(std::function<void()> callback);
@@ -72,11 +72,6 @@ public:
     [[nodiscard]] TimePoint deadline() const;
 
 private:
-    struct TextRequest {
-        TextCallback callback;
-        TimePoint limit;
-    };
-
     void noticeDeath(TimePoint now);
     void noticeLetGo(TimePoint now);
     void takeOver();
@@ -89,7 +84,6 @@ private:
     void publishItems(std::vector<PasteboardItem> items);
     void forgetForeign();
     void advanceTexts(TimePoint now);
-    void answerTexts(const std::optional<QByteArray> &text);
     [[nodiscard]] bool isReading() const { return wantsRead || reader || reencoding; }
     [[nodiscard]] bool isIdle() const { return !isReading() && !clearDue && !keepDue; }
     xcb_timestamp_t nextReadTime();
@@ -135,7 +129,6 @@ private:
     PictureWorker pictures;
 
     bool textWithheld = false; // the owner may have text that was not published
-    std::vector<TextRequest> textRequests;
-    std::unique_ptr<SelectionReader> textReader;
+    TextFetch texts;
     std::vector<std::function<void()>> idleCallbacks;
 };
