@@ -76,7 +76,7 @@ public:
     // Asks the clipboard manager to keep these targets, or all; what it answered.
     bool save(const QByteArrayList &targets = {});
     void notifyAgain(); // of the last answer
-    void comeBack(); // from hanging: answers what was asked meanwhile
+    void comeBack();    // from hanging: answers what was asked meanwhile
     [[nodiscard]] bool wasAskedFor(const QByteArray &target) const { return asked.contains(target); }
 
     bool listsTargets = true;
