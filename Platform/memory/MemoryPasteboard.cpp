@@ -21,6 +21,16 @@ bool offers(const std::vector<PasteboardItem> &items, QStringView type)
     });
 }
 
+// An empty text and nothing else: how programs empty the pasteboard.
+bool isEmptied(const std::vector<PasteboardItem> &items)
+{
+    const auto empty = [](const PasteboardItem &item) {
+        return std::ranges::all_of(item.representations,
+                                   [](const auto &each) { return each.data && each.data->isEmpty(); });
+    };
+    return offers(items, PasteboardType::plainText) && std::ranges::all_of(items, empty);
+}
+
 // The order in which bytes are worth fetching; what an exceeded budget drops comes last.
 int valueRank(const QString &type)
 {
@@ -177,6 +187,8 @@ void MemoryPasteboard::publishForeign(const Copy &copy)
 std::vector<PasteboardItem> MemoryPasteboard::fetched(const Copy &copy) const
 {
     auto items = copy.items;
+    if (isEmptied(items))
+        return {};
     const bool hasText = offers(items, PasteboardType::plainText);
     const bool hasFiles = offers(items, PasteboardType::fileURL);
     const bool ignored = copy.frontApplication && copy.frontApplication->bundleIdentifier &&

@@ -1,7 +1,6 @@
 #include "tests/desktop/Clipboard.h"
 
 #include <QProcess>
-#include <QTemporaryFile>
 
 std::optional<QByteArray> Clipboard::read(const QByteArray &target) const
 {
@@ -28,15 +27,17 @@ QList<QByteArray> Clipboard::targets() const
 
 bool Clipboard::set(const QByteArray &bytes, const QByteArray &target)
 {
-    QTemporaryFile content;
-    if (!content.open() || content.write(bytes) != bytes.size() || !content.flush())
+    // It outlives this: what changes the owner may be Norvane, which takes over from a program that ended
+    // before.
+    content = std::make_unique<QTemporaryFile>();
+    if (!content->open() || content->write(bytes) != bytes.size() || !content->flush())
         return false;
     const auto before = desktop.selectionOwner("CLIPBOARD");
     // -quiet keeps it in the foreground, so that it can be waited for and ended by its id.
     auto next = std::make_unique<Child>(Child::Setting{
         QStringLiteral("xclip"),
         {QStringLiteral("-quiet"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-         QStringLiteral("-t"), QString::fromLatin1(target), QStringLiteral("-i"), content.fileName()},
+         QStringLiteral("-t"), QString::fromLatin1(target), QStringLiteral("-i"), content->fileName()},
         {},
         {}});
     const bool taken = desktop.waitFor([&] {

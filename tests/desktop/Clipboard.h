@@ -3,6 +3,7 @@
 #include "tests/desktop/Child.h"
 
 #include <QByteArray>
+#include <QTemporaryFile>
 #include <memory>
 
 // The CLIPBOARD selection, read and set by xclip: another program's view of it.
@@ -24,5 +25,6 @@ public:
 
 private:
     const Desktop &desktop;
+    std::unique_ptr<QTemporaryFile> content; // which the copier reads, sooner or later
     std::unique_ptr<Child> copier;
 };

@@ -73,12 +73,13 @@ QStringList sorted(QStringList list)
     return list;
 }
 
-// Selects all and copies, as often as it takes for the view to have its files.
-HistoryFile::Row copyAllFiles(Stage &stage, const Folder &folder)
+// Selects all and copies (or cuts), as often as it takes for the view to have its files.
+HistoryFile::Row copyAllFiles(Stage &stage, const Folder &folder,
+                              const QString &chord = QStringLiteral("Ctrl+C"))
 {
     const auto recorded = [&] {
         stage.keyboard.press(QStringLiteral("Ctrl+A"));
-        stage.keyboard.press(QStringLiteral("Ctrl+C"));
+        stage.keyboard.press(chord);
         return stage.desktop.waitFor(
             [&] {
                 const auto now = stage.rows();
@@ -140,6 +141,27 @@ void filesPasted(Stage &stage)
     require(names(folder.path).size() == folder.files.size(), QStringLiteral("the originals are gone"));
 }
 
+// Reading the list of cut files makes pcmanfm forget that it cut them; that must not be seen.
+void filesMoved(Stage &stage)
+{
+    const auto folder = makeFiles(stage);
+    const auto names = [](const QString &path) { return QDir(path).entryList(QDir::Files, QDir::Name); };
+    const auto cut = names(folder.path);
+    const auto source = openFolder(stage, folder.path);
+    copyAllFiles(stage, folder, QStringLiteral("Ctrl+X"));
+    const auto elsewhere = stage.scratchFile(QStringLiteral("shed"));
+    QDir().mkpath(elsewhere);
+    const auto target = openFolder(stage, elsewhere);
+    const auto pasted = [&] {
+        stage.keyboard.press(QStringLiteral("Ctrl+V"));
+        return stage.desktop.waitFor([&] { return names(elsewhere) == cut; });
+    };
+    require(pasted() || (names(elsewhere).isEmpty() && pasted()),
+            QStringLiteral("the other folder holds: ") + names(elsewhere).join(QLatin1Char(' ')));
+    require(stage.desktop.waitFor([&] { return names(folder.path).isEmpty(); }),
+            QStringLiteral("the files were copied, not moved"));
+}
+
 } // namespace
 
 Steps fileSteps()
@@ -148,5 +170,6 @@ Steps fileSteps()
         {"a PNG comes back byte for byte", pictureRoundTrip},
         {"files copied in pcmanfm come back as lists for every file manager", fileLists},
         {"Enter in another folder of pcmanfm copies the files there", filesPasted},
+        {"files cut in pcmanfm are moved by a paste elsewhere", filesMoved},
     };
 }

@@ -33,6 +33,28 @@ void killedAndRestarted(Stage &stage)
     stage.awaitContent(entry, "survives a kill");
 }
 
+void contentOutlivesItsProgram(Stage &stage)
+{
+    const auto isLeft = [&](const QByteArray &content) {
+        return stage.desktop.waitFor([&] { return stage.clipboard.read() == content; });
+    };
+    stage.copy("outlives xclip");
+    stage.clipboard.owner()->signal(SIGKILL);
+    require(stage.clipboard.owner()->awaitEnd(), QStringLiteral("xclip survived SIGKILL"));
+    require(isLeft("outlives xclip"), QStringLiteral("what xclip had is lost"));
+
+    const auto mousepad = stage.openMousepad("outlives mousepad");
+    stage.keyboard.press(QStringLiteral("Ctrl+A"));
+    stage.keyboard.press(QStringLiteral("Ctrl+C"));
+    stage.awaitNewest(QStringLiteral("outlives mousepad"));
+    const auto before = stage.rows().size();
+    stage.keyboard.press(QStringLiteral("Ctrl+Q"));
+    require(mousepad.program->awaitEnd(), QStringLiteral("mousepad did not quit"));
+    require(isLeft("outlives mousepad"), QStringLiteral("what mousepad had is lost"));
+    require(stage.desktop.staysFalse([&] { return stage.rows().size() != before; }, Stage::quiet),
+            QStringLiteral("taking it over was recorded as a copy"));
+}
+
 void quits(Stage &stage)
 {
     stage.openPanel(); // with the panel open, which is the harder case
@@ -46,6 +68,7 @@ Steps lifeSteps()
 {
     return {
         {"a second start shows the panel and exits with status 0", secondStart},
+        {"what was copied outlives the program that copied it", contentOutlivesItsProgram},
         {"kill -9 and a restart keep the history", killedAndRestarted},
         {"SIGTERM quits with status 0", quits},
     };

@@ -192,7 +192,12 @@ void castsAShadow(Stage &stage)
 QString cornerFault(const Stage &stage, const QRect &panel, double scale)
 {
     const int radius = qRound(12 * scale);
-    const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
+    QImage corner;
+    const auto isPainted = [&] { // which comes after the keyboard
+        corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
+        return corner.pixel(0, 0) != corner.pixel(radius - 1, radius - 1);
+    };
+    require(stage.desktop.waitFor(isPainted), QStringLiteral("the panel's corner is not to be seen"));
     const QRgb outside = corner.pixel(0, 0);
     for (int line = 0; line < radius; ++line) {
         int inset = 0;

@@ -1,6 +1,7 @@
 #include "Platform/linux/x11/ClipboardWatch.h"
 
 #include "Platform/linux/x11/ServedContent.h"
+#include "Platform/linux/x11/WindowProperties.h"
 
 #include <algorithm>
 
@@ -11,8 +12,11 @@ using std::chrono::seconds;
 
 constexpr seconds readLimit(5);
 constexpr seconds retryDelay(3);
-constexpr milliseconds clearGrace(50);   // LibreOffice lets go for 2 ms whenever it copies again
-constexpr milliseconds answerGrace(100); // for the answer of an owner that has let go
+constexpr milliseconds clearGrace(50);    // LibreOffice lets go for 2 ms whenever it copies again
+constexpr milliseconds answerGrace(100);  // for the answer of an owner that has let go
+constexpr milliseconds managerGrace(300); // for another clipboard manager to keep what its owner left behind
+constexpr seconds saveLimit(2);
+constexpr milliseconds curiosity(500); // programs that look at every copy have done so by then
 constexpr qint64 minTextBudget = 64LL * 1048576;
 
 bool withholdsText(const std::vector<PasteboardItem> &items)
@@ -37,15 +41,15 @@ qint64 sizeOf(const std::vector<PasteboardItem> &items)
 } // namespace
 
 ClipboardWatch::ClipboardWatch(PasteboardConnection &connection,
-                               std::shared_ptr<const DesktopEntries> entries,
-                               std::function<void(ForeignCopy)> publishCopy, std::function<void()> wake)
-    : x(connection), ring(connection), front(connection, std::move(entries)), publish(std::move(publishCopy)),
-      pictures(std::move(wake))
+                               std::shared_ptr<const DesktopEntries> entries, Callbacks callbacks)
+    : x(connection), ring(connection), front(connection, std::move(entries)), call(std::move(callbacks)),
+      role(connection, call.serve), pictures(call.wake)
 {
 }
 
 void ClipboardWatch::begin()
 {
+    role.begin();
     if (owner != XCB_WINDOW_NONE || claimSequence)
         return; // somebody was faster, and is being read
     const auto cookie = xcb_get_selection_owner(x.raw(), x.atoms().clipboard);
@@ -58,6 +62,7 @@ void ClipboardWatch::begin()
 void ClipboardWatch::handleOwnerChange(const xcb_xfixes_selection_notify_event_t &event, uint32_t sequence,
                                        TimePoint now)
 {
+    role.handleOwnerChange(event);
     if (event.selection != x.atoms().clipboard || (claimSequence && isBefore(sequence, *claimSequence)))
         return;
     claimSequence.reset();
@@ -66,15 +71,9 @@ void ClipboardWatch::handleOwnerChange(const xcb_xfixes_selection_notify_event_t
     retryDue.reset();
     retrying = false;
     if (event.subtype != XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER) {
-        owner = XCB_WINDOW_NONE; // it has died, which is no change of what was copied
-        textReader.reset();
-        if (reader)
-            reader->stop();
+        noticeDeath(now);
     } else if (event.owner == XCB_WINDOW_NONE) {
-        owner = XCB_WINDOW_NONE;
-        clearDue = now + clearGrace;
-        if (reader)
-            reader->finishBy(now + answerGrace);
+        noticeLetGo(now);
     } else {
         const qint64 unpublished = changes;
         forgetForeign();
@@ -84,11 +83,97 @@ void ClipboardWatch::handleOwnerChange(const xcb_xfixes_selection_notify_event_t
     }
 }
 
+// Its owner has died, which is no change of what was copied.
+void ClipboardWatch::noticeDeath(TimePoint now)
+{
+    owner = XCB_WINDOW_NONE;
+    texts.stop();
+    if (reader)
+        reader->stop();
+    keepDue = role.isAnothers() ? now + managerGrace : now;
+}
+
+// The user, or a program in the user's name, empties the clipboard. Unless the owner did so because it quits,
+// and has entrusted its content to us, or because we read it.
+void ClipboardWatch::noticeLetGo(TimePoint now)
+{
+    const bool wasForeign = owner != XCB_WINDOW_NONE && owner != x.window();
+    owner = XCB_WINDOW_NONE;
+    if (reader)
+        reader->finishBy(now + answerGrace);
+    const bool byReading = lastRead && lastRead->wasLetGoByReading(now);
+    if (wasForeign && (byReading || saves.wereAnsweredBefore(now))) {
+        keepDue = now;
+        cutKeptAt = byReading ? keepDue : std::nullopt;
+        return;
+    }
+    clearDue = now + clearGrace;
+    letGoAt = wasForeign ? std::optional(now) : std::nullopt;
+}
+
+void ClipboardWatch::takeOver()
+{
+    keepDue.reset();
+    if (owner != XCB_WINDOW_NONE || !lastRead || !lastRead->mayOutliveOwner())
+        return;
+    const auto claim = x.claimIfFree(x.atoms().clipboard);
+    if (claim.result != PasteboardConnection::Claim::Result::confirmed)
+        return; // the event of another's copy is on its way
+    claimSequence = claim.sequence;
+    owner = claim.owner;
+    saves.forget();
+    keptClaim = claim;
+    serveKept();
+}
+
+void ClipboardWatch::serveKept()
+{
+    const auto &items = reencoding ? reencoding->items : lastItems;
+    call.serve(x.atoms().clipboard, *keptClaim, servedTargets(items, lastRead->originals()));
+}
+
+// Who cuts files and lets go of them when they are asked for means them to be moved once: a second paste
+// would look for files that are gone. So a paste ends this as it would have ended there.
+void ClipboardWatch::noticeServed(xcb_atom_t target, TimePoint now)
+{
+    if (!keptClaim || !cutKeptAt || now < *cutKeptAt + curiosity)
+        return;
+    if (!isCutSelection(atomNames(x.raw(), std::span(&target, 1)).front()))
+        return;
+    cutKeptAt.reset();
+    x.letGo(x.atoms().clipboard);
+}
+
+void ClipboardWatch::save(xcb_window_t requestor, const std::vector<QByteArray> &targets,
+                          SaveRequests::Answer answer, TimePoint now)
+{
+    if (!x.areOfOneClient(requestor, owner)) {
+        answer(false);
+        return;
+    }
+    saves.add(std::move(answer));
+    if (reader)
+        reader->hurry(now + saveLimit);
+    else if (retryDue)
+        retryDue = now; // it hung, and is back
+    else if (lastRead && lastRead->isIncomplete()) {
+        reader = std::move(lastRead);
+        reader->resume(nextReadTime(), targets, now + saveLimit, now);
+    }
+}
+
 void ClipboardWatch::forgetForeign()
 {
     reader.reset();
-    textReader.reset();
+    texts.stop();
     reencoding.reset();
+    lastRead.reset();
+    lastItems.clear();
+    keptClaim.reset();
+    cutKeptAt.reset();
+    saves.forget();
+    keepDue.reset();
+    letGoAt.reset();
     clearDue.reset();
     retryDue.reset();
     retrying = false;
@@ -111,7 +196,7 @@ void ClipboardWatch::noticeClaim(const PasteboardConnection::Claim &claim, qint6
 
 void ClipboardWatch::handleAnswer(const xcb_selection_notify_event_t &event, TimePoint now)
 {
-    if ((reader && reader->handleAnswer(event, now)) || (textReader && textReader->handleAnswer(event, now)))
+    if ((reader && reader->handleAnswer(event, now)) || texts.handleAnswer(event, now))
         return;
     if (event.property != XCB_ATOM_NONE)
         ring.discard(event.property);
@@ -121,8 +206,7 @@ void ClipboardWatch::handleAnswer(const xcb_selection_notify_event_t &event, Tim
 
 void ClipboardWatch::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
 {
-    if ((reader && reader->handleProperty(event, now)) ||
-        (textReader && textReader->handleProperty(event, now)))
+    if ((reader && reader->handleProperty(event, now)) || texts.handleProperty(event, now))
         return;
     if (event.state == XCB_PROPERTY_NEW_VALUE)
         ring.discard(event.atom);
@@ -142,11 +226,16 @@ void ClipboardWatch::advance(TimePoint now)
         reader->advance(now);
     if (reader && reader->isFinished())
         finishRead(now);
+    if (saves.areWaiting() && !wantsRead && !reader)
+        saves.answer(lastRead && lastRead->mayOutliveOwner(), now);
+    if (keepDue && now >= *keepDue && !wantsRead && !reader)
+        takeOver();
     if (reencoding)
         finishReencoding(now);
     if (clearDue && now >= *clearDue && !isReading()) {
-        clearDue.reset();
-        ++changes;
+        const qint64 unpublished = changes;
+        forgetForeign();
+        changes = unpublished + 1;
         frontApplication = front.application();
         publishItems({});
     }
@@ -164,25 +253,29 @@ TimePoint ClipboardWatch::deadline() const
         first = std::min(first, due.value_or(TimePoint::max()));
     if (reader)
         first = std::min(first, reader->deadline());
-    if (textReader)
-        first = std::min(first, textReader->deadline());
+    else if (keepDue)
+        first = std::min(first, *keepDue);
+    first = std::min(first, texts.deadline());
     if (reencoding)
         first = std::min(first, reencoding->due);
-    for (const TextRequest &each : textRequests)
-        first = std::min(first, each.limit);
     return first;
+}
+
+// Two reads within a millisecond still have times of their own. An owner checks only that it is not too
+// early.
+xcb_timestamp_t ClipboardWatch::nextReadTime()
+{
+    const xcb_timestamp_t time = x.serverTime();
+    lastReadTime = isBefore(lastReadTime, time) || lastReadTime == 0 ? time : lastReadTime + 1;
+    return lastReadTime;
 }
 
 SelectionReader::Options ClipboardWatch::optionsFor(SelectionReader::Scope scope, Clock::duration limit)
 {
-    // Two reads within a millisecond still have times of their own. An owner checks only that it is not too
-    // early.
-    const xcb_timestamp_t time = x.serverTime();
-    lastReadTime = isBefore(lastReadTime, time) || lastReadTime == 0 ? time : lastReadTime + 1;
     qint64 budget = policy.byteBudget;
     if (scope == SelectionReader::Scope::text)
         budget = std::max(budget, minTextBudget);
-    return {x.atoms().clipboard, lastReadTime, scope, budget, policy.images, policy.files, limit};
+    return {x.atoms().clipboard, nextReadTime(), scope, budget, policy.images, policy.files, limit};
 }
 
 void ClipboardWatch::startRead(TimePoint now)
@@ -198,17 +291,23 @@ void ClipboardWatch::startRead(TimePoint now)
     const bool ignored = frontApplication && frontApplication->bundleIdentifier &&
                          policy.ignoredApplications.contains(*frontApplication->bundleIdentifier);
     const auto scope = ignored ? SelectionReader::Scope::list : SelectionReader::Scope::everything;
-    reader = std::make_unique<SelectionReader>(x, ring, optionsFor(scope, readLimit), now);
+    const auto limit = saves.areWaiting() ? saveLimit : readLimit;
+    reader = std::make_unique<SelectionReader>(x, ring, optionsFor(scope, limit), now);
 }
 
 void ClipboardWatch::finishRead(TimePoint now)
 {
-    const auto finished = std::exchange(reader, nullptr);
-    if (!finished->wasAnswered() && owner != XCB_WINDOW_NONE) {
+    lastRead = std::exchange(reader, nullptr);
+    if (!lastRead->wasAnswered() && owner != XCB_WINDOW_NONE) {
         noticeHungOwner(now);
         return;
     }
-    std::vector<PasteboardItem> items = finished->items();
+    if (letGoAt && lastRead->wasLetGoByReading(*letGoAt)) {
+        clearDue.reset();
+        keepDue = cutKeptAt = now;
+    }
+    types.learn(lastRead->originals());
+    std::vector<PasteboardItem> items = lastRead->items();
     if (const auto picture = pictureToReencode(items))
         reencoding = Reencoding{pictures.start(*picture), std::move(items), now + readLimit};
     else
@@ -250,48 +349,30 @@ void ClipboardWatch::publishItems(std::vector<PasteboardItem> items)
 {
     textWithheld = withholdsText(items);
     retrying = false;
+    lastItems = items;
+    if (keptClaim)
+        serveKept(); // a picture has come to it
     if (changes > 0 || !items.empty())
-        publish({changes, writesSeen, std::move(items), frontApplication});
+        call.publish({changes, writesSeen, std::move(items), frontApplication});
     changes = 0;
 }
 
-void ClipboardWatch::readText(TextCallback callback, TimePoint limit)
+void ClipboardWatch::readText(TextFetch::Callback callback, TimePoint limit)
 {
-    textRequests.push_back({std::move(callback), limit});
+    texts.add(std::move(callback), limit);
 }
 
 void ClipboardWatch::advanceTexts(TimePoint now)
 {
-    if (textRequests.empty())
+    texts.advance(now);
+    if (!texts.isDue() || isReading())
         return;
-    if (textReader)
-        textReader->advance(now);
-    if (textReader && textReader->isFinished()) {
-        const auto items = std::exchange(textReader, nullptr)->items();
-        answerTexts(joinedText(items).value_or(QByteArray()));
+    if (owner == XCB_WINDOW_NONE || owner == x.window() || !textWithheld) {
+        texts.answer(std::nullopt);
         return;
     }
-    const bool foreign = owner != XCB_WINDOW_NONE && owner != x.window();
-    if (!isReading() && !textReader) {
-        if (!foreign || !textWithheld) {
-            answerTexts(std::nullopt);
-            return;
-        }
-        const auto scope = SelectionReader::Scope::text;
-        textReader = std::make_unique<SelectionReader>(
-            x, ring, optionsFor(scope, textRequests.front().limit - now), now);
-    }
-    for (TextRequest &each : textRequests) {
-        if (now >= each.limit)
-            std::exchange(each.callback, nullptr)(QByteArray());
-    }
-    std::erase_if(textRequests, [](const TextRequest &each) { return !each.callback; });
-}
-
-void ClipboardWatch::answerTexts(const std::optional<QByteArray> &text)
-{
-    for (const TextRequest &each : std::exchange(textRequests, {}))
-        each.callback(text);
+    const auto scope = SelectionReader::Scope::text;
+    texts.start(std::make_unique<SelectionReader>(x, ring, optionsFor(scope, texts.limit() - now), now));
 }
 
 void ClipboardWatch::whenIdle(std::function<void()> callback)

@@ -42,8 +42,29 @@ std::optional<QByteArray> storedBytes(const ReadRequest &request, const ReadCand
     return utf8FromUnlabelled(bytes);
 }
 
+namespace {
+
+// A copy of an empty text and nothing else: how password stores and others empty the clipboard.
+bool isEmptied(const ReadPlan &plan, const std::vector<ReadOutcome> &outcomes)
+{
+    using Status = ReadOutcome::Status;
+    bool emptyText = false;
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        if (outcomes[i].status == Status::refused)
+            continue;
+        if (outcomes[i].status != Status::fetched || !outcomes[i].bytes.isEmpty())
+            return false;
+        emptyText = emptyText || plan.requests[i].kind == ReadRequest::Kind::text;
+    }
+    return emptyText;
+}
+
+} // namespace
+
 std::vector<PasteboardItem> itemsFrom(const ReadPlan &plan, const std::vector<ReadOutcome> &outcomes)
 {
+    if (isEmptied(plan, outcomes))
+        return {};
     std::multimap<size_t, PasteboardRepresentation> first; // by their places in the owner's list
     std::vector<QByteArray> files;
     for (size_t i = 0; i < plan.requests.size(); ++i) {

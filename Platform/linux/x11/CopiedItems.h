@@ -8,7 +8,8 @@
 // What became of one request of a plan.
 struct ReadOutcome {
     enum class Status {
-        notFetched, // forbidden, too large, unanswered, or its owner died
+        notFetched, // not asked for yet, unanswered, or its owner died
+        withheld,   // forbidden by the user's rules, or too large for them
         refused,    // by every candidate: counts as not offered
         fetched,
     };
@@ -16,6 +17,10 @@ struct ReadOutcome {
     Status status = Status::notFetched;
     size_t candidate = 0; // the one that was fetched, or would be
     QByteArray bytes;
+    // As its owner gave it: text before it was decoded, and what the answer said of itself.
+    QByteArray original = {};
+    QByteArray type = {}; // empty: the target's name
+    quint8 format = 8;
 };
 
 // Texts become UTF-8 whatever their character set; other bytes stay as they are. Absent when a text cannot be
@@ -23,8 +28,8 @@ struct ReadOutcome {
 [[nodiscard]] std::optional<QByteArray> storedBytes(const ReadRequest &request,
                                                     const ReadCandidate &candidate, const QByteArray &bytes);
 
-// The items of a copy, their forms in the owner's order: one item, or one a file. `outcomes` stand in the
-// order of the plan's requests.
+// The items of a copy, their forms in the owner's order: one item, or one a file; none where an empty text is
+// all that was copied, which is a clear. `outcomes` stand in the order of the plan's requests.
 [[nodiscard]] std::vector<PasteboardItem> itemsFrom(const ReadPlan &plan,
                                                     const std::vector<ReadOutcome> &outcomes);
 

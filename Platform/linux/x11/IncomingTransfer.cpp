@@ -101,6 +101,7 @@ void IncomingTransfer::takeAnswer(TimePoint now)
         return;
     }
     answerType = reply->type;
+    answerFormat = reply->format;
     if (reply->bytes_after > 0 || length > question.maxBytes) {
         finish(State::tooLarge, true, now);
         return;
@@ -117,6 +118,7 @@ void IncomingTransfer::takeChunk(TimePoint now)
         return; // its event came before the one of a chunk that is already taken
     due = now + chunkPatience;
     answerType = reply->type;
+    answerFormat = reply->format;
     const qint64 length = xcb_get_property_value_length(reply.get());
     if (reply->bytes_after > 0 || length > room) {
         step = Step::draining;

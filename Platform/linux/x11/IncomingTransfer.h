@@ -37,7 +37,10 @@ public:
 
     [[nodiscard]] State state() const { return current; }
     [[nodiscard]] TimePoint deadline() const { return due; }
+    // What the answer says of itself: its type, and how many bits one of its units has (8, 16 or 32).
     [[nodiscard]] xcb_atom_t type() const { return answerType; }
+    [[nodiscard]] quint8 format() const { return answerFormat; }
+    [[nodiscard]] xcb_atom_t target() const { return question.target; }
     [[nodiscard]] QByteArray takeBytes();
 
 private:
@@ -56,6 +59,7 @@ private:
     Step step = Step::asked;
     TimePoint due;
     xcb_atom_t answerType = XCB_ATOM_NONE;
+    quint8 answerFormat = 8;
     QByteArray bytes;
     qint64 drained = 0;
 };

@@ -44,21 +44,22 @@ bool PasteboardConnection::prepare(int screen)
     ownerChange = static_cast<uint8_t>(extension->first_event + XCB_XFIXES_SELECTION_NOTIFY);
 
     static const QByteArray names[] = {
-        "CLIPBOARD", "TARGETS", "MULTIPLE",      "TIMESTAMP",          "SAVE_TARGETS", "INCR",
-        "ATOM_PAIR", "NULL",    "COMPOUND_TEXT", "_NET_ACTIVE_WINDOW", "_NORVANE_TIME"};
+        "CLIPBOARD", "TARGETS", "MULTIPLE",      "TIMESTAMP",          "SAVE_TARGETS",  "INCR",
+        "ATOM_PAIR", "NULL",    "COMPOUND_TEXT", "_NET_ACTIVE_WINDOW", "_NORVANE_TIME", "CLIPBOARD_MANAGER"};
     const auto atoms = internAtoms(connection, names);
-    known = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4], atoms[5],
-             atoms[6], atoms[7], atoms[8], atoms[9], atoms[10]};
+    known = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4],  atoms[5],
+             atoms[6], atoms[7], atoms[8], atoms[9], atoms[10], atoms[11]};
 
     ownWindow = xcb_generate_id(connection);
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection, 0, ownWindow, rootWindow, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                       XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
     xcb_change_window_attributes(connection, rootWindow, XCB_CW_EVENT_MASK, &events);
-    xcb_xfixes_select_selection_input(connection, ownWindow, known.clipboard,
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    for (const xcb_atom_t selection : {known.clipboard, known.clipboardManager})
+        xcb_xfixes_select_selection_input(connection, ownWindow, selection,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     synchronize();
     return !isGone();
 }
@@ -126,11 +127,7 @@ PasteboardConnection::Claim PasteboardConnection::claim(xcb_atom_t selection)
     Claim claim;
     claim.time = serverTime();
     claim.sequence = xcb_set_selection_owner(connection, ownWindow, selection, claim.time).sequence;
-    xcb_get_selection_owner_reply_t *reply =
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr);
-    if (reply)
-        claim.owner = reply->owner;
-    std::free(reply);
+    claim.owner = ownerOf(selection);
     receiveQueued();
     if (claim.owner == ownWindow) {
         claim.result = Claim::Result::confirmed;
@@ -144,4 +141,44 @@ PasteboardConnection::Claim PasteboardConnection::claim(xcb_atom_t selection)
     });
     claim.result = wasOurs ? Claim::Result::overtaken : Claim::Result::refused;
     return claim;
+}
+
+// Times do not tell who came last: a toolkit may claim with a time of long ago. So the server hears nobody
+// else for the two answers that this takes.
+PasteboardConnection::Claim PasteboardConnection::claimIfFree(xcb_atom_t selection)
+{
+    Claim claim;
+    xcb_grab_server(connection);
+    claim.owner = ownerOf(selection);
+    if (claim.owner == XCB_WINDOW_NONE)
+        claim = this->claim(selection);
+    xcb_ungrab_server(connection);
+    xcb_flush(connection);
+    receiveQueued();
+    return claim;
+}
+
+void PasteboardConnection::letGo(xcb_atom_t selection)
+{
+    xcb_grab_server(connection);
+    if (ownerOf(selection) == ownWindow)
+        xcb_set_selection_owner(connection, XCB_WINDOW_NONE, selection, XCB_CURRENT_TIME);
+    xcb_ungrab_server(connection);
+    xcb_flush(connection);
+    receiveQueued();
+}
+
+xcb_window_t PasteboardConnection::ownerOf(xcb_atom_t selection) const
+{
+    xcb_get_selection_owner_reply_t *reply =
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr);
+    const xcb_window_t owner = reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+    std::free(reply);
+    return owner;
+}
+
+bool PasteboardConnection::areOfOneClient(xcb_window_t a, xcb_window_t b) const
+{
+    const uint32_t own = xcb_get_setup(connection)->resource_id_mask;
+    return a != XCB_WINDOW_NONE && (a & ~own) == (b & ~own);
 }

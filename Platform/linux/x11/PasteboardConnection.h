@@ -30,7 +30,7 @@ public:
 
     struct Atoms {
         xcb_atom_t clipboard, targets, multiple, timestamp, saveTargets, incr, atomPair, null, compoundText;
-        xcb_atom_t activeWindow, time;
+        xcb_atom_t activeWindow, time, clipboardManager;
     };
 
     [[nodiscard]] xcb_connection_t *raw() const { return connection; }
@@ -70,10 +70,20 @@ public:
     // Claims a selection for our window and makes sure. Overtaken: it was ours, and already is another's.
     Claim claim(xcb_atom_t selection);
 
+    // Claims a selection that nobody owns. Refused where somebody does: nothing can come in between.
+    Claim claimIfFree(xcb_atom_t selection);
+
+    // Gives up a selection that is ours; one that is not is left alone.
+    void letGo(xcb_atom_t selection);
+
+    // Whether two windows are one program's.
+    [[nodiscard]] bool areOfOneClient(xcb_window_t a, xcb_window_t b) const;
+
 private:
     explicit PasteboardConnection(xcb_connection_t *opened);
     bool prepare(int screen);
     void receiveQueued();
+    [[nodiscard]] xcb_window_t ownerOf(xcb_atom_t selection) const;
 
     xcb_connection_t *connection;
     xcb_window_t rootWindow = XCB_WINDOW_NONE;

@@ -1,6 +1,7 @@
 #include "Platform/linux/x11/PasteboardThread.h"
 
 #include "Platform/Log.h"
+#include "Platform/linux/x11/WindowProperties.h"
 
 #include <algorithm>
 #include <poll.h>
@@ -13,6 +14,7 @@ constexpr std::chrono::milliseconds textLimit(900);
 constexpr std::chrono::milliseconds farewell(500);
 constexpr int eventsInOneGo = 256; // then the notes of the main thread have their turn
 constexpr int eventsToCatchUp = 8192;
+constexpr quint32 maxSavedTargets = 1024;
 
 template <typename Event>
 const Event &as(const xcb_generic_event_t &event)
@@ -33,9 +35,12 @@ std::unique_ptr<PasteboardThread> PasteboardThread::start(std::shared_ptr<const 
 PasteboardThread::PasteboardThread(std::unique_ptr<PasteboardConnection> connection,
                                    std::shared_ptr<const DesktopEntries> entries)
     : x(std::move(connection)), server(*x),
-      watch(
-          *x, std::move(entries), [this](ForeignCopy copy) { report(std::move(copy)); },
-          [this] { wakeSignal.set(); })
+      watch(*x, std::move(entries),
+            {[this](ForeignCopy copy) { report(std::move(copy)); },
+             [this](auto selection, const auto &claim, const auto &targets) {
+                 server.offer(selection, claim, targets);
+             },
+             [this] { wakeSignal.set(); }})
 {
     thread = std::thread([this] { run(); });
 }
@@ -212,7 +217,7 @@ void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
         server.forget(as<xcb_generic_error_t>(event).resource_id);
         break;
     case XCB_SELECTION_REQUEST:
-        server.handleRequest(as<xcb_selection_request_event_t>(event), now);
+        handleRequest(as<xcb_selection_request_event_t>(event), now);
         break;
     case XCB_SELECTION_CLEAR:
         server.handleClear(event);
@@ -231,6 +236,22 @@ void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
     }
 }
 
+void PasteboardThread::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
+{
+    if (request.selection != x->atoms().clipboardManager || request.target != x->atoms().saveTargets) {
+        if (server.handleRequest(request, now) && request.selection == x->atoms().clipboard)
+            watch.noticeServed(request.target, now);
+        return;
+    }
+    const auto wanted =
+        request.property == XCB_ATOM_NONE
+            ? std::vector<quint32>()
+            : readUnits(x->raw(), request.requestor, request.property, XCB_ATOM_ATOM, maxSavedTargets);
+    watch.save(
+        request.requestor, atomNames(x->raw(), wanted),
+        [this, request](bool kept) { server.answerSave(request, kept); }, now);
+}
+
 void PasteboardThread::handleProperty(const xcb_property_notify_event_t &event, TimePoint now)
 {
     if (event.window == x->window())
@@ -243,10 +264,13 @@ void PasteboardThread::handleProperty(const xcb_property_notify_event_t &event, 
 void PasteboardThread::claimClipboard(qint64 number, const PasteboardSnapshot &content)
 {
     const auto claim = x->claim(x->atoms().clipboard);
-    if (claim.result == PasteboardConnection::Claim::Result::confirmed)
-        server.offer(x->atoms().clipboard, claim, servedTargets(content.items));
-    else
+    if (claim.result == PasteboardConnection::Claim::Result::confirmed) {
+        auto targets = servedTargets(content.items);
+        watch.knownTypes().apply(targets);
+        server.offer(x->atoms().clipboard, claim, targets);
+    } else {
         server.withdraw(x->atoms().clipboard);
+    }
     watch.noticeClaim(claim, number);
 }
 

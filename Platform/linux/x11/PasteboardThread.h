@@ -66,6 +66,7 @@ private:
     void runTasks();
     bool handleEvents(int limit);
     void handle(const xcb_generic_event_t &event, TimePoint now);
+    void handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
     void handleProperty(const xcb_property_notify_event_t &event, TimePoint now);
     void catchUp();
     void claimClipboard(qint64 number, const PasteboardSnapshot &content);

@@ -18,6 +18,7 @@ constexpr std::chrono::milliseconds targetsPatience(500);
 constexpr std::chrono::seconds targetPatience(2);
 constexpr qint64 maxListBytes = 256LL * 1024;
 constexpr size_t maxTargets = 1024;
+constexpr std::chrono::milliseconds cutPatience(100); // pcmanfm lets go within 1 ms
 
 } // namespace
 
@@ -66,6 +67,17 @@ void SelectionReader::finishBy(TimePoint limit)
     end = std::min(end, limit);
 }
 
+void SelectionReader::resume(xcb_timestamp_t time, std::vector<QByteArray> targets, TimePoint limit,
+                             TimePoint now)
+{
+    options.time = time;
+    onlyTargets = std::move(targets);
+    end = limit;
+    finished = letGo = false;
+    request = 0;
+    askNext(now);
+}
+
 TimePoint SelectionReader::deadline() const
 {
     return transfer ? std::min(end, transfer->deadline()) : end;
@@ -74,6 +86,7 @@ TimePoint SelectionReader::deadline() const
 void SelectionReader::ask(const QByteArray &target, qint64 maxBytes, Clock::duration patience, TimePoint now)
 {
     transfer.reset();
+    askedAt = now;
     transfer = std::make_unique<IncomingTransfer>(
         x, ring,
         IncomingTransfer::Question{options.selection, internAtom(x.raw(), target), options.time, maxBytes,
@@ -131,31 +144,40 @@ void SelectionReader::takeCandidate(TimePoint now)
         stop();
         return;
     }
-    const bool usable = state == State::complete && accept(asked, outcome);
+    const bool usable = state == State::complete && accept(asked, outcome, now);
     const bool refused = !usable && (state == State::refused || state == State::complete);
     if (refused && outcome.candidate + 1 < asked.candidates.size()) {
         ++outcome.candidate;
     } else {
         if (refused)
             outcome.status = Status::refused;
+        else if (state == State::tooLarge)
+            outcome.status = Status::withheld;
         ++request;
     }
     askNext(now);
 }
 
 // Whether the bytes are what was asked for; keeps them if so.
-bool SelectionReader::accept(const ReadRequest &asked, ReadOutcome &outcome)
+bool SelectionReader::accept(const ReadRequest &asked, ReadOutcome &outcome, TimePoint now)
 {
     if (asked.kind == Kind::text && transfer->type() == x.atoms().compoundText)
         return false;
-    auto bytes = storedBytes(asked, asked.candidates[outcome.candidate], transfer->takeBytes());
+    const ReadCandidate &candidate = asked.candidates[outcome.candidate];
+    const QByteArray original = transfer->takeBytes();
+    auto bytes = storedBytes(asked, candidate, original);
     if (!bytes || (asked.isPicture() && bytes->isEmpty())) // a picture that its owner failed to render
         return false;
-    if (kept + bytes->size() > options.byteBudget)
-        return true; // re-encoded beyond the budget
+    if (kept + bytes->size() > options.byteBudget) { // re-encoded beyond the budget
+        outcome.status = Status::withheld;
+        return true;
+    }
     kept += bytes->size();
     outcome.status = Status::fetched;
     outcome.bytes = std::move(*bytes);
+    keepOriginal(outcome, original);
+    if (asked.kind == Kind::copiedFiles && saysCut(candidate.target, outcome.bytes))
+        cut = CutRead{askedAt, now};
     if (asked.kind == Kind::text)
         textFound = !isBlank(outcome.bytes);
     if (asked.kind == Kind::files) {
@@ -165,9 +187,27 @@ bool SelectionReader::accept(const ReadRequest &asked, ReadOutcome &outcome)
     return true;
 }
 
+// A text that was decoded is kept twice, where there is room for it.
+void SelectionReader::keepOriginal(ReadOutcome &outcome, const QByteArray &bytes)
+{
+    if (!bytes.isSharedWith(outcome.bytes)) {
+        if (kept + bytes.size() > options.byteBudget)
+            return;
+        kept += bytes.size();
+    }
+    outcome.original = bytes;
+    outcome.format = transfer->format();
+    if (transfer->type() != transfer->target()) {
+        const xcb_atom_t type = transfer->type();
+        outcome.type = atomNames(x.raw(), std::span(&type, 1)).front();
+    }
+}
+
 void SelectionReader::askNext(TimePoint now)
 {
     for (; request < plan.requests.size() && !letGo; ++request) {
+        if (!isStillWanted())
+            continue;
         const ReadRequest &next = plan.requests[request];
         if (next.kind == Kind::picture && isPictureLess())
             outcomes[request].status = Status::refused;
@@ -175,9 +215,22 @@ void SelectionReader::askNext(TimePoint now)
             const QByteArray &target = next.candidates[outcomes[request].candidate].target;
             ask(target, options.byteBudget - kept, targetPatience, now);
             return;
-        }
+        } else if (next.kind != Kind::marker)
+            outcomes[request].status = Status::withheld;
     }
     stop();
+}
+
+// Of a resumed read: whether this form is missing, and is one of those that matter now.
+bool SelectionReader::isStillWanted() const
+{
+    if (outcomes[request].status != Status::notFetched)
+        return false;
+    const auto &candidates = plan.requests[request].candidates;
+    return onlyTargets.empty() ||
+           std::any_of(candidates.begin(), candidates.end(), [this](const ReadCandidate &each) {
+               return std::find(onlyTargets.begin(), onlyTargets.end(), each.target) != onlyTargets.end();
+           });
 }
 
 // Pictures beside styled text are previews that cost their owner seconds.
@@ -197,4 +250,55 @@ bool SelectionReader::isWanted(const ReadRequest &asked) const
     if (filesFound && !options.files)
         return false;
     return options.pictures || !asked.isPicture() || textFound;
+}
+
+std::vector<ServedTarget> SelectionReader::originals() const
+{
+    std::vector<ServedTarget> targets;
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        const ReadOutcome &outcome = outcomes[i];
+        if (outcome.status != Status::fetched || (outcome.original.isEmpty() && !outcome.bytes.isEmpty()))
+            continue;
+        const QByteArray &target = plan.requests[i].candidates[outcome.candidate].target;
+        targets.push_back({target, outcome.type.isEmpty() ? target : outcome.type, outcome.original, false,
+                           outcome.format});
+    }
+    return targets;
+}
+
+bool SelectionReader::isIncomplete() const
+{
+    if (!answered || plan.concealed || options.scope != Scope::everything)
+        return false;
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        if (outcomes[i].status == Status::notFetched && plan.requests[i].kind != Kind::marker)
+            return true;
+    }
+    return false;
+}
+
+bool SelectionReader::mayOutliveOwner() const
+{
+    const bool secret = plan.concealed || plan.offers(Kind::marker);
+    if (!answered || secret || options.scope != Scope::everything || (filesFound && !options.files))
+        return false;
+    bool anything = false;
+    bool picture = false;
+    bool pictureWithheld = false;
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        const ReadRequest &asked = plan.requests[i];
+        const bool fetched = outcomes[i].status == Status::fetched && !outcomes[i].bytes.isEmpty();
+        const bool withheld = outcomes[i].status == Status::withheld;
+        if (withheld && (asked.kind == Kind::text || asked.kind == Kind::files))
+            return false;
+        anything = anything || fetched;
+        picture = picture || (fetched && asked.isPicture());
+        pictureWithheld = pictureWithheld || (withheld && asked.isPicture());
+    }
+    return anything && (textFound || picture || !pictureWithheld);
+}
+
+bool SelectionReader::wasLetGoByReading(TimePoint letGoAt) const
+{
+    return cut && letGoAt >= cut->asked && letGoAt < cut->answered + cutPatience;
 }

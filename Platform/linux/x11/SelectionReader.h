@@ -2,6 +2,7 @@
 
 #include "Platform/linux/x11/CopiedItems.h"
 #include "Platform/linux/x11/IncomingTransfer.h"
+#include "Platform/linux/x11/ServedContent.h"
 
 #include <optional>
 
@@ -37,6 +38,10 @@ public:
     void stop();
     // Asks for nothing more and gives the answer that is under way until `limit`: the owner has let go.
     void finishBy(TimePoint limit);
+    // Goes on as it is, until `limit` at most.
+    void hurry(TimePoint limit) { end = std::min(end, limit); }
+    // Asks again, once finished, for what stayed unanswered; only for these targets, unless there are none.
+    void resume(xcb_timestamp_t time, std::vector<QByteArray> targets, TimePoint limit, TimePoint now);
 
     [[nodiscard]] bool isFinished() const { return finished; }
     [[nodiscard]] TimePoint deadline() const;
@@ -44,6 +49,17 @@ public:
     // Whether the owner told what it has; false for one that hangs.
     [[nodiscard]] bool wasAnswered() const { return answered; }
     [[nodiscard]] std::vector<PasteboardItem> items() const { return itemsFrom(plan, outcomes); }
+    // The same as the owner gave it, for those who take it over from us.
+    [[nodiscard]] std::vector<ServedTarget> originals() const;
+
+    // Whether `resume` may bring more.
+    [[nodiscard]] bool isIncomplete() const;
+    // Whether the content may be kept when its owner is gone: something was read, it is no secret and not
+    // made to pass, and the user's rules did not keep the thing itself from being read.
+    [[nodiscard]] bool mayOutliveOwner() const;
+    // Whether an owner that let go at this time did so because we read its list of files to be moved. Another
+    // program could then no longer move them.
+    [[nodiscard]] bool wasLetGoByReading(TimePoint letGoAt) const;
 
 private:
     void ask(const QByteArray &target, qint64 maxBytes, Clock::duration patience, TimePoint now);
@@ -53,7 +69,9 @@ private:
     void askNext(TimePoint now);
     [[nodiscard]] bool isWanted(const ReadRequest &request) const;
     [[nodiscard]] bool isPictureLess() const;
-    [[nodiscard]] bool accept(const ReadRequest &request, ReadOutcome &outcome);
+    [[nodiscard]] bool isStillWanted() const;
+    [[nodiscard]] bool accept(const ReadRequest &request, ReadOutcome &outcome, TimePoint now);
+    void keepOriginal(ReadOutcome &outcome, const QByteArray &bytes);
 
     PasteboardConnection &x;
     PropertyRing &ring;
@@ -66,7 +84,15 @@ private:
     ReadPlan plan;
     std::vector<ReadOutcome> outcomes; // one a request of the plan
     size_t request = 0;
+    std::vector<QByteArray> onlyTargets; // of a resumed read
     qint64 kept = 0;
+    TimePoint askedAt;
+
+    struct CutRead {
+        TimePoint asked, answered;
+    };
+    std::optional<CutRead> cut;
+
     bool filesFound = false;
     bool textFound = false;
     std::unique_ptr<IncomingTransfer>

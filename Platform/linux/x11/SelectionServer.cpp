@@ -42,7 +42,7 @@ void SelectionServer::withdraw(xcb_atom_t selection)
     offers_.erase(selection);
 }
 
-void SelectionServer::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
+bool SelectionServer::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
 {
     // Programs of the oldest kind name no property: the answer goes into one named like the target.
     const xcb_atom_t property = request.property != XCB_ATOM_NONE ? request.property : request.target;
@@ -52,15 +52,29 @@ void SelectionServer::handleRequest(const xcb_selection_request_event_t &request
         const bool tooEarly = request.time != XCB_CURRENT_TIME && isBefore(request.time, found->second.time);
         answered = !tooEarly && answer(found->second, request, property, now);
     }
-    xcb_selection_notify_event_t notify{};
-    notify.response_type = XCB_SELECTION_NOTIFY;
-    notify.time = request.time;
-    notify.requestor = request.requestor;
-    notify.selection = request.selection;
-    notify.target = request.target;
-    notify.property = answered ? property : xcb_atom_t(XCB_ATOM_NONE);
+    notify(request, answered ? property : xcb_atom_t(XCB_ATOM_NONE));
+    return answered;
+}
+
+void SelectionServer::answerSave(const xcb_selection_request_event_t &request, bool kept)
+{
+    const xcb_atom_t property = request.property != XCB_ATOM_NONE ? request.property : request.target;
+    if (kept)
+        write({request.requestor, property}, x.atoms().null, 32, {});
+    notify(request, kept ? property : xcb_atom_t(XCB_ATOM_NONE));
+}
+
+void SelectionServer::notify(const xcb_selection_request_event_t &request, xcb_atom_t property)
+{
+    xcb_selection_notify_event_t event{};
+    event.response_type = XCB_SELECTION_NOTIFY;
+    event.time = request.time;
+    event.requestor = request.requestor;
+    event.selection = request.selection;
+    event.target = request.target;
+    event.property = property;
     xcb_send_event(x.raw(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char *>(&notify));
+                   reinterpret_cast<const char *>(&event));
 }
 
 void SelectionServer::handleClear(const xcb_generic_event_t &event)
@@ -80,13 +94,14 @@ bool SelectionServer::answer(const Offer &offer, const xcb_selection_request_eve
         return send(key, XCB_ATOM_ATOM, 32, bytesOf(listOf(offer)), now);
     if (request.target == atoms.timestamp)
         return send(key, XCB_ATOM_INTEGER, 32, bytesOf({offer.time}), now);
-    if (request.target == atoms.saveTargets)
+    if (request.target == atoms.saveTargets && request.selection != atoms.clipboardManager)
         return send(key, atoms.null, 32, {}, now);
     if (request.target == atoms.multiple)
         return request.property != XCB_ATOM_NONE && answerMultiple(offer, request, property, now);
     const auto form = std::find_if(offer.forms.begin(), offer.forms.end(),
                                    [&](const Form &each) { return each.target == request.target; });
-    return form != offer.forms.end() && send(key, form->type, 8, form->content.answer(), now);
+    return form != offer.forms.end() &&
+           send(key, form->type, form->content.format, form->content.answer(), now);
 }
 
 // The property holds pairs of target and property; where a target is refused, its property becomes None.

@@ -18,7 +18,10 @@ public:
     void withdraw(xcb_atom_t selection);
     [[nodiscard]] bool offers(xcb_atom_t selection) const { return offers_.contains(selection); }
 
-    void handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
+    // False when it was refused.
+    bool handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
+    // Tells a program that wanted its content saved whether it is.
+    void answerSave(const xcb_selection_request_event_t &request, bool kept);
     // Another program took a selection.
     void handleClear(const xcb_generic_event_t &event);
     void handleProperty(const xcb_property_notify_event_t &event, TimePoint now);
@@ -57,6 +60,7 @@ private:
                                       xcb_atom_t property, TimePoint now);
     [[nodiscard]] bool send(const Key &key, xcb_atom_t type, uint8_t format, const QByteArray &bytes,
                             TimePoint now);
+    void notify(const xcb_selection_request_event_t &request, xcb_atom_t property);
     void write(const Key &key, xcb_atom_t type, uint8_t format, QByteArrayView bytes);
     [[nodiscard]] std::vector<quint32> listOf(const Offer &offer) const;
     void watch(xcb_window_t requestor, bool on);

@@ -12,7 +12,10 @@ namespace {
 // Collects targets; the first of a name stays.
 class Collector {
 public:
-    explicit Collector(const std::vector<PasteboardItem> &from) : items(from) {}
+    Collector(const std::vector<PasteboardItem> &from, const std::vector<ServedTarget> &given)
+        : items(from), originals(given)
+    {
+    }
 
     void addAll()
     {
@@ -22,7 +25,7 @@ public:
                     continue;
                 if (each.type == PasteboardType::plainText)
                     addText();
-                else if (each.type == PasteboardType::fileURL)
+                else if (each.type == PasteboardType::fileURL || isCutSelection(each.type.toUtf8()))
                     addFiles();
                 else
                     addForm(each);
@@ -47,7 +50,23 @@ private:
         if (names.contains(target))
             return;
         names.insert(target);
-        targets.push_back({target, type, bytes, latin1});
+        const auto original = std::find_if(originals.begin(), originals.end(),
+                                           [&](const ServedTarget &each) { return each.target == target; });
+        targets.push_back(original != originals.end() ? *original
+                                                      : ServedTarget{target, type, bytes, latin1});
+    }
+
+    // What the program that cut or copied these files said of that; the files alone mean a copy.
+    [[nodiscard]] QByteArray cutSelection(const std::vector<QByteArray> &addresses) const
+    {
+        QByteArray list = copiedFilesList(addresses);
+        const auto given = std::find_if(originals.begin(), originals.end(),
+                                        [](const ServedTarget &each) { return isCutSelection(each.target); });
+        if (given == originals.end())
+            return list;
+        if (given->target.startsWith("x-special/"))
+            return given->bytes;
+        return saysCut(given->target, given->bytes) ? list.replace(0, 4, "cut") : list;
     }
 
     void addTextTargets(const QByteArray &text)
@@ -58,6 +77,10 @@ private:
         add("TEXT", "UTF8_STRING", text);
         if (fitsLatin1(text))
             add("STRING", "STRING", text, true);
+        for (const ServedTarget &each : originals) {
+            if (each.target == "STRING" || charsetOf(each.target))
+                add(each.target, each.type, each.bytes);
+        }
     }
 
     void addForm(const PasteboardRepresentation &form)
@@ -84,16 +107,18 @@ private:
         std::erase_if(addresses, [](const QByteArray &each) { return !isFileAddress(each); });
         if (addresses.empty())
             return;
-        const QByteArray list = copiedFilesList(addresses);
+        const QByteArray list = cutSelection(addresses);
         add("text/uri-list", "text/uri-list", wholeList.value_or(uriList(addresses)));
         add("x-special/gnome-copied-files", "x-special/gnome-copied-files", list);
         add("x-special/mate-copied-files", "x-special/mate-copied-files", list);
-        add("application/x-kde-cutselection", "application/x-kde-cutselection", "0");
+        add("application/x-kde-cutselection", "application/x-kde-cutselection",
+            saysCut("x-special/gnome-copied-files", list) ? "1" : "0");
         if (!joinedText(items))
             addTextTargets(pathList(addresses));
     }
 
     const std::vector<PasteboardItem> &items;
+    const std::vector<ServedTarget> &originals;
     QSet<QByteArray> names;
     bool textAdded = false;
     bool filesAdded = false;
@@ -121,16 +146,18 @@ std::optional<QByteArray> joinedText(const std::vector<PasteboardItem> &items)
     return joined;
 }
 
-std::vector<ServedTarget> servedTargets(const std::vector<PasteboardItem> &items)
+std::vector<ServedTarget> servedTargets(const std::vector<PasteboardItem> &items,
+                                        const std::vector<ServedTarget> &originals)
 {
-    Collector collector(items);
+    Collector collector(items, originals);
     collector.addAll();
     return std::move(collector.targets);
 }
 
 std::vector<ServedTarget> servedTexts(const std::vector<PasteboardItem> &items)
 {
-    Collector collector(items);
+    const std::vector<ServedTarget> none;
+    Collector collector(items, none);
     collector.addText();
     if (collector.targets.empty()) // files: their paths
         collector.addAll();

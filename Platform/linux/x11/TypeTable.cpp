@@ -16,7 +16,8 @@ constexpr std::array neverConverted = {"GTK_TEXT_BUFFER_CONTENTS", "application/
 constexpr std::array neverConvertedParts = {"x-openoffice-link", "x-openoffice-objectdescriptor",
                                             "x-libreoffice-internal-id-"};
 
-// Whether a file is to be moved or copied. Reading one makes some owners give up the selection.
+// Whether files are to be moved or copied, best first: the last says no more than that. pcmanfm lets go of
+// the selection when it is asked, which its reader has to undo.
 constexpr std::array cutSelections = {"x-special/gnome-copied-files", "x-special/mate-copied-files",
                                       "application/x-kde-cutselection"};
 
@@ -139,8 +140,10 @@ public:
         else if (const auto text = textRank(target))
             addRanked(texts, *text, QStringView(PasteboardType::plainText).toString(), target, position);
         else if (isOneOf(target, richTextTargets))
-            addRanked(richTexts, richTextRank(target), QStringView(PasteboardType::rtf).toString(), target,
-                      position);
+            addRanked(richTexts, rankIn(richTextTargets, target), QStringView(PasteboardType::rtf).toString(),
+                      target, position);
+        else if (isCutSelection(target))
+            addRanked(cutLists, rankIn(cutSelections, target), typeOf(target), target, position);
         else if (const auto picture = pictureRank(target))
             addRanked(pictures, *picture, typeOf(target), target, position);
         else if (target == "text/html")
@@ -152,6 +155,7 @@ public:
     ReadPlan plan()
     {
         ReadPlan plan{std::move(singles), false};
+        addGroup(plan, Kind::copiedFiles, cutLists);
         addGroup(plan, Kind::text, texts);
         addGroup(plan, Kind::rtf, richTexts);
         addGroup(plan, Kind::picture, pictures);
@@ -168,10 +172,10 @@ private:
     };
     using Group = std::multimap<int, Place>;
 
-    static int richTextRank(const QByteArray &target)
+    template <typename Names>
+    static int rankIn(const Names &names, const QByteArray &target)
     {
-        return static_cast<int>(std::find(richTextTargets.begin(), richTextTargets.end(), target) -
-                                richTextTargets.begin());
+        return static_cast<int>(std::find(names.begin(), names.end(), target) - names.begin());
     }
 
     static void addRanked(Group &group, int rank, const QString &type, const QByteArray &target,
@@ -198,7 +202,7 @@ private:
     }
 
     std::vector<ReadRequest> singles;
-    Group texts, richTexts, pictures;
+    Group cutLists, texts, richTexts, pictures;
 };
 
 } // namespace
@@ -221,8 +225,25 @@ bool isNeverConverted(const QByteArray &target)
         return false;
     // Names in capitals are the protocol's own: DELETE, MULTIPLE, INCR, or facts of the owner (HOSTNAME,
     // LENGTH, PIXMAP).
-    return isCapitals(target) || isOneOf(target, neverConverted) || isOneOf(target, cutSelections) ||
-           hasPartOf(target, neverConvertedParts);
+    return isCapitals(target) || isOneOf(target, neverConverted) || hasPartOf(target, neverConvertedParts);
+}
+
+bool hasFixedMeaning(const QByteArray &target)
+{
+    return textRank(target) || pictureRank(target) || isOneOf(target, richTextTargets) ||
+           isOneOf(target, originalPictures) || isCutSelection(target) || target == "text/html" ||
+           target == "text/uri-list";
+}
+
+bool isCutSelection(const QByteArray &target)
+{
+    return isOneOf(target, cutSelections);
+}
+
+bool saysCut(const QByteArray &target, const QByteArray &bytes)
+{
+    return target.startsWith("x-special/") ? bytes == "cut" || bytes.startsWith("cut\n")
+                                           : bytes.startsWith('1');
 }
 
 std::optional<QByteArray> charsetOf(const QByteArray &target)
@@ -277,5 +298,7 @@ std::vector<QByteArray> targetsOf(const QString &type)
             return {each.target};
     }
     const QByteArray name = type.toUtf8();
-    return isNeverConverted(name) ? std::vector<QByteArray>() : std::vector<QByteArray>{name};
+    if (isNeverConverted(name) || isCutSelection(name)) // rebuilt from the files: what was cut is cut once
+        return {};
+    return {name};
 }

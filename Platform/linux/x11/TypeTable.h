@@ -19,7 +19,7 @@ struct ReadCandidate {
 // One form of an owner's content. The candidates are tried in turn until one is not refused.
 struct ReadRequest {
     // In value order: what is asked for first survives an exceeded budget.
-    enum class Kind { marker, files, text, html, rtf, document, picture, layers, other };
+    enum class Kind { marker, files, copiedFiles, text, html, rtf, document, picture, layers, other };
 
     Kind kind = Kind::other;
     std::vector<ReadCandidate> candidates; // never empty
@@ -51,6 +51,16 @@ inline constexpr qsizetype maxTargetNameLength = 256;
 
 // The character set of a "text/plain;charset=…" target, in lower case; absent for any other target.
 [[nodiscard]] std::optional<QByteArray> charsetOf(const QByteArray &target);
+
+// Whether a target stands for a text, styled text, a picture or files in a known way; any other is its
+// owner's.
+[[nodiscard]] bool hasFixedMeaning(const QByteArray &target);
+
+// Whether a target says of a list of files if they are to be copied or moved.
+[[nodiscard]] bool isCutSelection(const QByteArray &target);
+
+// Whether the answer to such a target says "move".
+[[nodiscard]] bool saysCut(const QByteArray &target, const QByteArray &bytes);
 
 // The targets under which a type other than text and file URLs is served, the main one first; its own name
 // when the type has no fixed meaning. Empty when the type must not be served.

@@ -62,6 +62,9 @@ TEST(MemoryPasteboardTest, EveryPublishedChangeMovesTheCountByOne)
     pasteboard.clear();
     EXPECT_EQ(pasteboard.changeCount(), 8);
     EXPECT_TRUE(pasteboard.snapshot()->items.empty());
+    pasteboard.copyText(QString()); // a clear too
+    EXPECT_EQ(pasteboard.changeCount(), 9);
+    EXPECT_TRUE(pasteboard.snapshot()->items.empty());
 }
 
 TEST(MemoryPasteboardTest, AReadUnderWayPublishesTheLastCopyOnlyAndSettlesThen)

@@ -35,8 +35,10 @@ protected:
 
     std::unique_ptr<PasteboardConnection> x = PasteboardConnection::open();
     std::vector<ForeignCopy> copies;
-    ClipboardWatch watch{*x, std::make_shared<ClassNames>(),
-                         [this](ForeignCopy copy) { copies.push_back(std::move(copy)); }, [] {}};
+    ClipboardWatch watch{*x,
+                         std::make_shared<ClassNames>(),
+                         {[this](ForeignCopy copy) { copies.push_back(std::move(copy)); },
+                          [](auto, const auto &, const auto &) {}, [] {}}};
 };
 
 using Result = PasteboardConnection::Claim::Result;

@@ -18,27 +18,6 @@ PasteboardRepresentation form(const char16_t *type, std::optional<QByteArray> da
 
 } // namespace
 
-TEST(CopiedItemsTest, FormsStandInTheOwnersOrderAndRefusedOnesAreNotOffered)
-{
-    const ReadPlan plan =
-        planFor({"text/html", "x/refused", "UTF8_STRING", "x/late"}); // read: text, html, the others
-    const auto items = itemsFrom(plan, {got("t"), got("h"), {Status::refused, 0, {}}, {}});
-    const PasteboardItem expected{
-        {form(u"public.html", "h"), form(u"public.utf8-plain-text", "t"), form(u"x/late", std::nullopt)}};
-    ASSERT_EQ(items.size(), 1u);
-    EXPECT_EQ(items.front(), expected);
-}
-
-TEST(CopiedItemsTest, OneItemAFileAndTheTextBelongsToTheFirst)
-{
-    const ReadPlan plan = planFor({"text/uri-list", "UTF8_STRING"});
-    const auto items = itemsFrom(plan, {got("file:///a%20b\r\nfile:///c\r\n"), got("/a b\n/c")});
-    ASSERT_EQ(items.size(), 2u);
-    EXPECT_EQ(items[0], (PasteboardItem{{form(u"public.file-url", "file:///a%20b"),
-                                         form(u"public.utf8-plain-text", "/a b\n/c")}}));
-    EXPECT_EQ(items[1], (PasteboardItem{{form(u"public.file-url", "file:///c")}}));
-}
-
 TEST(CopiedItemsTest, AddressesThatAreNoFilesKeepTheirList)
 {
     const ReadPlan plan = planFor({"text/uri-list"});

@@ -191,6 +191,25 @@ TEST_F(ServeTest, ProgramsThatDieOrStallInTheMiddleHarmNobody)
     EXPECT_EQ(requestor.convert("x/long")->bytes, pattern(3'000'000));
 }
 
+TEST_F(ServeTest, ManyAtOnceGetTheContentOfTheirTimeWhole)
+{
+    const QByteArray first = pattern(600'000);
+    const QByteArray second = QByteArray(700'000, 'z');
+    std::vector<std::unique_ptr<Requestor>> requestors;
+    for (const QByteArray &content : {first, second}) {
+        write({{{form(u"x/long", content)}}});
+        for (int i = 0; i < 20; ++i) {
+            requestors.push_back(std::make_unique<Requestor>());
+            requestors.back()->ask("x/long", "PLACE");
+            ASSERT_TRUE(requestors.back()->awaitNotify());
+        }
+    }
+    for (size_t i = requestors.size(); i-- > 0;) {
+        EXPECT_TRUE(requestors[i]->take("PLACE").incremental);
+        EXPECT_EQ(requestors[i]->finish("PLACE").bytes, i < 20 ? first : second) << i;
+    }
+}
+
 TEST_F(ServeTest, PrimaryCarriesTheTextOnlyWhenAskedTo)
 {
     write({{{form(u"public.utf8-plain-text", "t"), form(u"public.html", "<b>")}}});

@@ -59,7 +59,7 @@ TEST(TypeTableTest, OwnersOfEveryKindAreAskedForWhatTheyAreGoodFor)
          {"UTF8_STRING|STRING", "text/html", "chromium/x-source-url"}},
         {"pcmanfm",
          {"text/uri-list", "x-special/gnome-copied-files", "application/x-kde-cutselection"},
-         {"text/uri-list"}},
+         {"text/uri-list", "x-special/gnome-copied-files|application/x-kde-cutselection"}},
         {"twice", {"text/html", "text/html"}, {"text/html"}},
         {"animation",
          {"image/gif", "image/png", "image/svg+xml"},
@@ -73,8 +73,7 @@ TEST(TypeTableTest, WhatChangesItsOwnerIsNeverConverted)
 {
     for (const char *name :
          {"DELETE", "INSERT_SELECTION", "INSERT_PROPERTY", "SAVE_TARGETS", "MULTIPLE", "TARGETS", "INCR",
-          "TIMESTAMP", "GTK_TEXT_BUFFER_CONTENTS", "x-special/gnome-copied-files",
-          "x-special/mate-copied-files", "application/x-kde-cutselection",
+          "TIMESTAMP", "GTK_TEXT_BUFFER_CONTENTS",
           "application/x-openoffice-link;windows_formatname=\"Link\"",
           "application/x-libreoffice-internal-id-1", "HOSTNAME", "ATOM", "_VT_SELECTION", ""})
         EXPECT_TRUE(isNeverConverted(name)) << name;
@@ -116,4 +115,5 @@ TEST(TypeTableTest, TypesGoOutUnderTheTargetsTheyCameFrom)
     EXPECT_EQ(targetsOf(QStringLiteral("image/x-xcf")), Names{"image/x-xcf"});
     EXPECT_EQ(targetsOf(QStringLiteral("DELETE")), Names());
     EXPECT_EQ(targetsOf(QStringLiteral("TARGETS")), Names());
+    EXPECT_EQ(targetsOf(QStringLiteral("x-special/gnome-copied-files")), Names());
 }

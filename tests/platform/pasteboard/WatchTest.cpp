@@ -85,15 +85,13 @@ TEST_F(WatchTest, AClearOnPurposeIsAChangeWithoutItems)
     EXPECT_TRUE(items().empty());
 }
 
-TEST_F(WatchTest, AnOwnerThatQuitsChangesNothing)
+TEST_F(WatchTest, AnEmptyTextIsAClear)
 {
-    owner.offer("UTF8_STRING", "kept");
+    owner.offer("UTF8_STRING", "").offer("x/refused", {"", Owner::Form::Manner::refuse});
+    const qint64 before = pasteboard->changeCount();
     owner.claim();
-    const qint64 before = count();
-    owner.die();
-    EXPECT_EQ(count(), before);
-    EXPECT_EQ(bytes(text), QByteArray("kept"));
-    EXPECT_EQ(readText(), QStringLiteral("kept"));
+    EXPECT_EQ(count(), before + 1);
+    EXPECT_TRUE(items().empty());
 }
 
 TEST_F(WatchTest, WhatWasReadWhenTheOwnerLetsGoIsKeptUntilTheClear)

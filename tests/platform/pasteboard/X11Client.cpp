@@ -131,6 +131,37 @@ void Owner::letGo()
     sync();
 }
 
+void Owner::destroyWindow()
+{
+    xcb_destroy_window(connection, ownWindow);
+    sync();
+}
+
+bool Owner::save(const QByteArrayList &targets)
+{
+    std::vector<xcb_atom_t> list;
+    for (const QByteArray &each : targets)
+        list.push_back(atom(each));
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, ownWindow, atom("TEST_SAVED"), XCB_ATOM_ATOM, 32,
+                        static_cast<uint32_t>(list.size()), list.data());
+    saved.reset();
+    xcb_convert_selection(connection, ownWindow, atom("CLIPBOARD_MANAGER"), atom("SAVE_TARGETS"),
+                          atom("TEST_SAVED"), XCB_CURRENT_TIME);
+    xcb_flush(connection);
+    const auto answered = [this] {
+        pump();
+        return saved.has_value();
+    };
+    EXPECT_TRUE(await(answered));
+    return saved.value_or(XCB_ATOM_NONE) != XCB_ATOM_NONE;
+}
+
+void Owner::notifyAgain()
+{
+    xcb_send_event(connection, 0, lastNotify.requestor, 0, reinterpret_cast<const char *>(&lastNotify));
+    sync();
+}
+
 void Owner::comeBack()
 {
     hangs = false;
@@ -144,6 +175,8 @@ void Owner::handle(const xcb_generic_event_t &event)
     const auto type = event.response_type & 0x7f;
     if (type == XCB_SELECTION_REQUEST)
         answer(as<xcb_selection_request_event_t>(event));
+    else if (type == XCB_SELECTION_NOTIFY)
+        saved = as<xcb_selection_notify_event_t>(event).property;
     else if (type == XCB_PROPERTY_NOTIFY &&
              as<xcb_property_notify_event_t>(event).state == XCB_PROPERTY_DELETE)
         sendChunk(as<xcb_property_notify_event_t>(event));
@@ -168,10 +201,14 @@ void Owner::answer(const xcb_selection_request_event_t &request)
     notify.time = request.time;
     notify.requestor = request.requestor;
     notify.selection = request.selection;
-    notify.target = request.target;
+    const bool renamed = form != forms.end() && !form->second.notified.isEmpty();
+    notify.target = renamed ? atom(form->second.notified) : request.target;
     notify.property = put(request, target) ? request.property : xcb_atom_t(XCB_ATOM_NONE);
     xcb_send_event(connection, 0, request.requestor, 0, reinterpret_cast<const char *>(&notify));
     xcb_flush(connection);
+    lastNotify = notify;
+    if (afterAnswering)
+        afterAnswering(target);
     if (form != forms.end() && form->second.manner == Form::Manner::dieAfterHeader)
         die();
 }
@@ -195,8 +232,9 @@ bool Owner::put(const xcb_selection_request_event_t &request, const QByteArray &
         return true; // claims to have answered
     const xcb_atom_t type = form.type.isEmpty() ? request.target : atom(form.type);
     if (form.manner == Form::Manner::whole) {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request.requestor, request.property, type, 8,
-                            static_cast<uint32_t>(form.bytes.size()), form.bytes.constData());
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request.requestor, request.property, type,
+                            form.format, static_cast<uint32_t>(form.bytes.size() / (form.format / 8)),
+                            form.bytes.constData());
         return true;
     }
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;

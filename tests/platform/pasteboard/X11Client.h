@@ -59,6 +59,8 @@ public:
         qsizetype chunk = 65536;
         quint32 announced = 0;
         QByteArray type = {}; // empty: the target's name
+        quint8 format = 8;
+        QByteArray notified = {}; // the target that the answer names; empty: the one that was asked for
     };
 
     ~Owner() override { die(); }
@@ -70,12 +72,17 @@ public:
 
     void claim(const QByteArray &selection = "CLIPBOARD");
     void letGo();
-    void comeBack(); // from hanging: answers what was asked meanwhile
+    void destroyWindow();
+    // Asks the clipboard manager to keep these targets, or all; what it answered.
+    bool save(const QByteArrayList &targets = {});
+    void notifyAgain(); // of the last answer
+    void comeBack();    // from hanging: answers what was asked meanwhile
     [[nodiscard]] bool wasAskedFor(const QByteArray &target) const { return asked.contains(target); }
 
     bool listsTargets = true;
     bool hangs = false;                    // answers nothing for now
     std::function<void()> beforeAnswering; // of anything but TARGETS
+    std::function<void(const QByteArray &target)> afterAnswering;
     QByteArrayList asked;
     int chunksSent = 0;
     int incrementalEnds = 0;
@@ -98,6 +105,8 @@ private:
     std::vector<std::pair<QByteArray, Form>> forms;
     std::vector<Sending> sendings;
     std::vector<xcb_selection_request_event_t> unanswered;
+    xcb_selection_notify_event_t lastNotify{};
+    std::optional<xcb_atom_t> saved; // the property of the manager's answer
 };
 
 // Pastes on command.
