@@ -111,7 +111,7 @@ RecognitionProcess::RecognitionProcess(pid_t child, int socket, const std::atomi
 RecognitionProcess::~RecognitionProcess()
 {
     if (ended == End::none)
-        finish(End::byItself);
+        finish(End::byItself, false);
 }
 
 std::optional<bool> RecognitionProcess::load(const QString &dataFolder, const QStringList &codes)
@@ -155,7 +155,7 @@ std::optional<Answer> RecognitionProcess::ask(const QList<QByteArray> &frames, M
     const auto frame = isSent ? channel.receive(longestAnswer, mayGoOn) : std::nullopt;
     auto answer = frame ? decoded<Answer>(*frame) : std::nullopt;
     if (!answer)
-        finish(reason);
+        finish(reason, !frame);
     return answer;
 }
 
@@ -170,11 +170,11 @@ RecognitionProcess::Milliseconds RecognitionProcess::cpuUsed() const
                                                     std::chrono::nanoseconds(used.tv_nsec));
 }
 
-void RecognitionProcess::finish(End reason)
+void RecognitionProcess::finish(End reason, bool isSilent)
 {
     ended = reason;
     // One that hung up by itself is about to end; how it does tells a crash from an orderly end.
-    const bool isEnding = reason == End::crash && reap(false);
+    const bool isEnding = reason == End::crash && isSilent && reap(false);
     if (!isEnding) {
         ::kill(pid, SIGKILL);
         (void)reap(true);
@@ -187,10 +187,11 @@ void RecognitionProcess::finish(End reason)
         ended = End::tooLong;
 }
 
-// Whether it has ended: waits for as long as that takes after a kill, else for a second.
+// Whether it has ended: waits for as long as that takes after a kill, else for some
+// seconds, since ending too is done when nothing else wants to run.
 bool RecognitionProcess::reap(bool isKilled)
 {
-    constexpr auto patience = 1s;
+    constexpr auto patience = 10s;
     const auto end = Clock::now() + patience;
     for (;;) {
         const pid_t reaped = ::waitpid(pid, &status, isKilled ? 0 : WNOHANG);
@@ -198,7 +199,7 @@ bool RecognitionProcess::reap(bool isKilled)
             return true;
         if (reaped < 0 && errno != EINTR)
             return true; // somebody else has reaped it
-        if (!isKilled && Clock::now() > end)
+        if (!isKilled && (cancelled || Clock::now() > end))
             return false;
         if (!isKilled)
             ::poll(nullptr, 0, 5);

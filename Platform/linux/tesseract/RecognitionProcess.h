@@ -52,7 +52,7 @@ private:
     template <typename Answer>
     [[nodiscard]] std::optional<Answer> ask(const QList<QByteArray> &frames, Milliseconds cpu);
     [[nodiscard]] Milliseconds cpuUsed() const;
-    void finish(End reason);
+    void finish(End reason, bool isSilent);
     [[nodiscard]] bool reap(bool isKilled);
 
     const pid_t pid;
