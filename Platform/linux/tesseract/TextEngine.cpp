@@ -1,0 +1,93 @@
+#include "Platform/linux/tesseract/TextEngine.h"
+
+#include "Platform/Log.h"
+
+#include <QFile>
+#include <leptonica/allheaders.h>
+#include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
+#include <tesseract/resultiterator.h>
+
+namespace {
+
+// Tells the engine a height of letters to expect; it does not change what is read (measured 150 to 300).
+constexpr int assumedResolution = 150;
+
+bool askWhetherExpired(void *isExpired, int /*wordsRead*/)
+{
+    return (*static_cast<const std::function<bool()> *>(isExpired))();
+}
+
+QString takeText(char *text)
+{
+    const std::unique_ptr<char[]> owned(text);
+    return QString::fromUtf8(owned.get()).trimmed();
+}
+
+} // namespace
+
+TextEngine::TextEngine() : api(std::make_unique<tesseract::TessBaseAPI>()) {}
+
+TextEngine::~TextEngine()
+{
+    api->End();
+}
+
+std::unique_ptr<TextEngine> TextEngine::open(const QString &dataFolder, const QStringList &codes)
+{
+    setMsgSeverity(L_SEVERITY_NONE);
+    std::unique_ptr<TextEngine> engine(new TextEngine);
+    const std::vector<std::string> names{"debug_file"};
+    const std::vector<std::string> values{"/dev/null"};
+    const QByteArray languages = codes.join(u'+').toUtf8();
+    if (codes.isEmpty() ||
+        engine->api->Init(QFile::encodeName(dataFolder).constData(), languages.constData(),
+                          tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values, false) != 0) {
+        logLine(QStringLiteral("No data for reading text in images could be loaded"));
+        return nullptr;
+    }
+    // The pictures it gets are always dark on white.
+    engine->api->SetVariable("tessedit_do_invert", "0");
+    return engine;
+}
+
+bool TextEngine::read(const GreyPicture &picture, PictureLayout layout, const PictureFrame &frame,
+                      const std::function<bool()> &isExpired, std::vector<RecognizedWord> &words)
+{
+    api->SetPageSegMode(layout == PictureLayout::page ? tesseract::PSM_AUTO : tesseract::PSM_SINGLE_BLOCK);
+    api->SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
+    api->SetSourceResolution(assumedResolution);
+    tesseract::ETEXT_DESC monitor;
+    // The engine's interface takes a plain pointer that may change what it points to.
+    auto ask = isExpired;
+    monitor.cancel = &askWhetherExpired;
+    monitor.cancel_this = &ask;
+    const bool done = api->Recognize(&monitor) == 0 && !isExpired();
+    if (done)
+        collectWords(frame, words);
+    api->Clear();
+    return done;
+}
+
+void TextEngine::collectWords(const PictureFrame &frame, std::vector<RecognizedWord> &words)
+{
+    const std::unique_ptr<tesseract::ResultIterator> it(api->GetIterator());
+    if (!it)
+        return;
+    const auto toPicture = [&frame](int left, int top) {
+        return frame.origin + (QPointF(left, top) - QPointF(frame.border, frame.border)) * frame.step;
+    };
+    do {
+        if (it->Empty(tesseract::RIL_WORD))
+            continue;
+        int left = 0;
+        int top = 0;
+        int right = 0;
+        int bottom = 0;
+        if (!it->BoundingBox(tesseract::RIL_WORD, &left, &top, &right, &bottom))
+            continue;
+        words.push_back({takeText(it->GetUTF8Text(tesseract::RIL_WORD)), it->Confidence(tesseract::RIL_WORD),
+                         QRectF(toPicture(left, top), toPicture(right, bottom)),
+                         it->IsAtBeginningOf(tesseract::RIL_TEXTLINE)});
+    } while (it->Next(tesseract::RIL_WORD));
+}

@@ -1,0 +1,212 @@
+#include "Platform/linux/tesseract/TextLines.h"
+
+#include "Platform/linux/tesseract/BoxIndex.h"
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+constexpr int minLetterHeight = 4;
+constexpr int maxLetterHeight = 300;
+constexpr int maxLetterAspect = 30; // letters of one word that touch
+constexpr double wordGap = 0.6;
+constexpr double lineGap = 1.3;
+constexpr double minSharedRows = 0.5; // of the lower of the two
+
+// A letter, or some that touch: neither a dot or stroke nor a rule.
+bool canBeLetter(const Blob &blob)
+{
+    const PixelBox &box = blob.box;
+    return box.height >= minLetterHeight && box.height <= maxLetterHeight &&
+           box.width <= maxLetterAspect * box.height && box.height <= maxLetterAspect * box.width;
+}
+
+// Frames and pictures: much larger than letters, with several letters inside.
+std::vector<bool> findFrames(const std::vector<Blob> &blobs, int letterHeight)
+{
+    constexpr int minLettersInside = 4;
+    std::vector<bool> frames(blobs.size(), false);
+    std::vector<PixelBox> boxes;
+    boxes.reserve(blobs.size());
+    for (const Blob &blob : blobs)
+        boxes.push_back(blob.box);
+    const BoxIndex index(boxes);
+    for (std::uint32_t i = 0; i < blobs.size(); ++i) {
+        const PixelBox &box = blobs[i].box;
+        if (box.height < 2 * letterHeight || box.width < 2 * letterHeight)
+            continue;
+        int inside = 0;
+        index.forEachTouching(box, [&](std::uint32_t other) {
+            const PixelBox &o = boxes[other];
+            if (other != i && o.height >= minLetterHeight && o.left > box.left && o.right() < box.right() &&
+                o.top > box.top && o.bottom() < box.bottom())
+                ++inside;
+        });
+        frames[i] = inside >= minLettersInside;
+    }
+    return frames;
+}
+
+// Joins boxes that stand beside each other, with at most `gapLimit(a, b)` pixels between them.
+template <typename Limit>
+std::vector<std::vector<std::uint32_t>> joinNeighbours(const std::vector<PixelBox> &boxes,
+                                                       const Limit &gapLimit)
+{
+    const BoxIndex index(boxes);
+    DisjointSets sets(boxes.size());
+    for (std::uint32_t i = 0; i < boxes.size(); ++i) {
+        const PixelBox &box = boxes[i];
+        const int reach = static_cast<int>(lineGap * 2 * box.height) + minLetterHeight * 4;
+        const PixelBox zone{box.left, box.top, box.width + reach, box.height};
+        index.forEachTouching(zone, [&](std::uint32_t other) {
+            const PixelBox &o = boxes[other];
+            if (other == i || o.left < box.left ||
+                box.sharedRows(o) < minSharedRows * std::min(box.height, o.height))
+                return;
+            if (o.left - box.right() <= gapLimit(box, o))
+                sets.join(i, other);
+        });
+    }
+    std::vector<std::vector<std::uint32_t>> groups;
+    std::vector<std::size_t> groupOf(boxes.size(), std::numeric_limits<std::size_t>::max());
+    for (std::uint32_t i = 0; i < boxes.size(); ++i) {
+        std::size_t &group = groupOf[sets.root(i)];
+        if (group == std::numeric_limits<std::size_t>::max()) {
+            group = groups.size();
+            groups.emplace_back();
+        }
+        groups[group].push_back(i);
+    }
+    return groups;
+}
+
+// The height that a gap is measured by: the taller one's, unless it is out of all proportion.
+int gapHeight(const PixelBox &a, const PixelBox &b)
+{
+    return std::min(std::max(a.height, b.height), 2 * std::min(a.height, b.height));
+}
+
+std::vector<TextWord> findWords(const BlobMap &map, const std::vector<std::uint32_t> &letters)
+{
+    std::vector<PixelBox> boxes;
+    boxes.reserve(letters.size());
+    for (const std::uint32_t letter : letters)
+        boxes.push_back(map.blobs[letter].box);
+    const auto groups = joinNeighbours(
+        boxes, [](const PixelBox &a, const PixelBox &b) { return std::max(1.0, wordGap * gapHeight(a, b)); });
+    std::vector<TextWord> words;
+    for (const auto &group : groups) {
+        TextWord word{boxes[group.front()], {}};
+        for (const std::uint32_t member : group) {
+            word.box = word.box.united(boxes[member]);
+            word.blobs.push_back(letters[member]);
+        }
+        words.push_back(std::move(word));
+    }
+    return words;
+}
+
+// A piece that belongs to no line yet.
+struct SmallPart {
+    PixelBox box;
+    std::uint32_t blob = 0;
+};
+
+// How far a small part is from a line, absent when too far to be its own.
+double distanceToLine(const PixelBox &part, const TextLine &line)
+{
+    constexpr double none = std::numeric_limits<double>::infinity();
+    const PixelBox &box = line.box;
+    if (2 * part.height > box.height + 4)
+        return none;
+    const double across = std::max({0, part.left - box.right(), box.left - part.right()});
+    const double over = std::max(0, box.top - part.top);
+    const double under = std::max(0, part.bottom() - box.bottom());
+    if (across > lineGap * box.height || over > 0.7 * box.height || under > 0.5 * box.height)
+        return none;
+    return across + 2 * (over + under);
+}
+
+} // namespace
+
+int medianLetterHeight(const std::vector<Blob> &blobs)
+{
+    std::vector<int> heights;
+    for (const Blob &blob : blobs) {
+        if (canBeLetter(blob) && blob.box.width <= 3 * blob.box.height)
+            heights.push_back(blob.box.height);
+    }
+    if (heights.empty())
+        return 0;
+    const auto middle = heights.begin() + static_cast<std::ptrdiff_t>(heights.size() / 2);
+    std::nth_element(heights.begin(), middle, heights.end());
+    return *middle;
+}
+
+std::vector<TextLine> findLines(const BlobMap &map)
+{
+    const int median = medianLetterHeight(map.blobs);
+    const std::vector<bool> frames = findFrames(map.blobs, median);
+    std::vector<std::uint32_t> letters;
+    for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
+        if (canBeLetter(map.blobs[i]) && !frames[i])
+            letters.push_back(i);
+    }
+    std::vector<TextWord> words = findWords(map, letters);
+    std::vector<PixelBox> boxes;
+    boxes.reserve(words.size());
+    for (const TextWord &word : words)
+        boxes.push_back(word.box);
+    // Words without tall letters would otherwise reach less far than their neighbours.
+    const auto groups = joinNeighbours(boxes, [median](const PixelBox &a, const PixelBox &b) {
+        const int height = gapHeight(a, b);
+        return lineGap * (2 * height >= median ? std::max<double>(height, 0.9 * median) : height);
+    });
+    std::vector<TextLine> lines;
+    for (const auto &group : groups) {
+        TextLine line{boxes[group.front()], {}};
+        for (const std::uint32_t member : group) {
+            line.box = line.box.united(boxes[member]);
+            line.words.push_back(std::move(words[member]));
+        }
+        std::sort(line.words.begin(), line.words.end(),
+                  [](const TextWord &a, const TextWord &b) { return a.box.left < b.box.left; });
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+void attachSmallParts(const BlobMap &map, std::vector<TextLine> &lines)
+{
+    std::vector<bool> taken(map.blobs.size(), false);
+    std::vector<PixelBox> boxes;
+    for (const TextLine &line : lines) {
+        const PixelBox &box = line.box;
+        const int reach = static_cast<int>(lineGap * box.height) + 1;
+        boxes.push_back({box.left - reach, box.top - box.height, box.width + 2 * reach, 3 * box.height});
+        for (const TextWord &word : line.words) {
+            for (const std::uint32_t blob : word.blobs)
+                taken[blob] = true;
+        }
+    }
+    const BoxIndex index(boxes);
+    for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
+        if (taken[i])
+            continue;
+        const PixelBox &part = map.blobs[i].box;
+        double nearest = std::numeric_limits<double>::infinity();
+        std::size_t host = 0;
+        index.forEachTouching(part, [&](std::uint32_t line) {
+            const double distance = distanceToLine(part, lines[line]);
+            if (distance < nearest) {
+                nearest = distance;
+                host = line;
+            }
+        });
+        if (std::isinf(nearest))
+            continue;
+        lines[host].words.push_back({part, {i}});
+    }
+}
