@@ -45,6 +45,8 @@ public:
         ::posix_spawn_file_actions_adddup2(&actions, socket, givenSocket);
         ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        // What libraries say about hostile images is no news for the log.
+        ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         ::posix_spawn_file_actions_addclosefrom_np(&actions, givenSocket + 1);
         sigset_t none;
         sigset_t all;

@@ -159,9 +159,10 @@ std::optional<ReadAnswer> decoded(const QByteArray &frame)
     ReadAnswer answer{static_cast<Outcome>(outcome), {reader.value<QSize>(), {}}};
     const QSize size = answer.image.uprightSize;
     const auto count = reader.value<quint32>();
-    const bool isSensible = outcome <= static_cast<quint8>(Outcome::failed) && size.width() >= 0 &&
-                            size.height() >= 0 && std::max(size.width(), size.height()) <= mostSide &&
-                            count <= mostFragments;
+    const bool isSensible =
+        answer.outcome == Outcome::read
+            ? !size.isEmpty() && std::max(size.width(), size.height()) <= mostSide && count <= mostFragments
+            : outcome <= static_cast<quint8>(Outcome::failed) && count == 0;
     if (!reader.isGood() || !isSensible)
         return std::nullopt;
     for (quint32 i = 0; i < count; ++i) {
