@@ -4,73 +4,96 @@ namespace {
 
 constexpr int minSide = 11;
 constexpr int maxSide = 72;
+constexpr double minRatio = 1.15; // of an icon's height to the text's
+constexpr double minGap = 0.35;   // of the icon's smaller side
 
-// Letters stand beside each other with paper between them, the parts of an icon do not.
-bool isOnePiece(const BlobMap &map, const TextWord &word)
+// Blobs of a line that share columns: a letter with its accent, an icon with its parts.
+struct Piece {
+    PixelBox box;
+    std::vector<std::uint32_t> blobs;
+};
+
+std::vector<Piece> piecesOf(const BlobMap &map, const TextLine &line)
 {
-    std::vector<PixelBox> boxes;
-    for (const std::uint32_t blob : word.blobs)
-        boxes.push_back(map.blobs[blob].box);
-    std::sort(boxes.begin(), boxes.end(),
-              [](const PixelBox &a, const PixelBox &b) { return a.left < b.left; });
-    int right = boxes.front().right();
-    for (const PixelBox &box : boxes) {
-        if (box.left > right)
-            return false;
-        right = std::max(right, box.right());
+    std::vector<std::uint32_t> blobs;
+    for (const TextWord &word : line.words)
+        blobs.insert(blobs.end(), word.blobs.begin(), word.blobs.end());
+    std::sort(blobs.begin(), blobs.end(), [&map](std::uint32_t a, std::uint32_t b) {
+        return map.blobs[a].box.left < map.blobs[b].box.left;
+    });
+    std::vector<Piece> pieces;
+    for (const std::uint32_t blob : blobs) {
+        const PixelBox &box = map.blobs[blob].box;
+        if (pieces.empty() || box.left > pieces.back().box.right()) {
+            pieces.push_back({box, {blob}});
+            continue;
+        }
+        pieces.back().box = pieces.back().box.united(box);
+        pieces.back().blobs.push_back(blob);
     }
-    return true;
+    return pieces;
 }
 
-bool hasIconShape(const BlobMap &map, const TextWord &word)
+bool hasIconShape(const PixelBox &box)
 {
-    const PixelBox &box = word.box;
     return box.width >= minSide && box.height >= minSide && box.width <= maxSide && box.height <= maxSide &&
-           4 * box.width >= 3 * box.height && 3 * box.width <= 5 * box.height && isOnePiece(map, word);
+           4 * box.width >= 3 * box.height && 3 * box.width <= 5 * box.height;
 }
 
-// The tallest other word of the line, 0 without one.
-int heightOfOthers(const TextLine &line, std::size_t except)
+// Height that text beside it has: of a capital, even where there are small letters only.
+double heightOfText(const std::vector<Piece> &pieces, std::size_t except)
 {
-    int height = 0;
-    for (std::size_t i = 0; i < line.words.size(); ++i) {
-        if (i != except)
-            height = std::max(height, line.words[i].box.height);
+    std::vector<int> heights;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (i != except && !hasIconShape(pieces[i].box))
+            heights.push_back(pieces[i].box.height);
     }
-    return height;
+    if (heights.empty())
+        return 0;
+    std::sort(heights.begin(), heights.end());
+    return std::max<double>(heights[heights.size() * 9 / 10], 1.35 * heights[heights.size() / 2]);
 }
 
-bool isIcon(const BlobMap &map, const TextLine &line, std::size_t number, int letterHeight)
+bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter)
 {
-    const TextWord &word = line.words[number];
-    if (!hasIconShape(map, word))
+    const PixelBox &box = pieces[number].box;
+    if (!hasIconShape(box))
         return false;
-    const int others = heightOfOthers(line, number);
-    const int reference = others > 0 ? others : letterHeight * 3 / 2;
-    if (20 * word.box.height < 23 * reference)
+    const double text = heightOfText(pieces, number);
+    if (box.height < minRatio * (text > 0 ? text : tallLetter))
         return false;
-    const double space = 0.5 * std::min(word.box.width, word.box.height);
-    const bool apart = number == 0 || word.box.left - line.words[number - 1].box.right() >= space;
-    const bool followed = number + 1 < line.words.size();
-    return apart && (!followed || line.words[number + 1].box.left - word.box.right() >= space / 2);
+    const double space = minGap * std::min(box.width, box.height);
+    return (number == 0 || box.left - pieces[number - 1].box.right() >= space) &&
+           (number + 1 == pieces.size() || pieces[number + 1].box.left - box.right() >= space);
+}
+
+void takeOut(const std::vector<std::uint32_t> &blobs, const BlobMap &map, TextLine &line)
+{
+    for (TextWord &word : line.words) {
+        std::erase_if(word.blobs, [&blobs](std::uint32_t blob) {
+            return std::find(blobs.begin(), blobs.end(), blob) != blobs.end();
+        });
+        for (std::size_t i = 0; i < word.blobs.size(); ++i) {
+            const PixelBox &box = map.blobs[word.blobs[i]].box;
+            word.box = i == 0 ? box : word.box.united(box);
+        }
+    }
+    std::erase_if(line.words, [](const TextWord &word) { return word.blobs.empty(); });
+    for (std::size_t i = 0; i < line.words.size(); ++i)
+        line.box = i == 0 ? line.words[i].box : line.box.united(line.words[i].box);
 }
 
 } // namespace
 
 void removeIcons(const BlobMap &map, std::vector<TextLine> &lines)
 {
-    const int letterHeight = medianLetterHeight(map.blobs);
+    const int tallLetter = letterHeight(map.blobs, 0.75);
     for (TextLine &line : lines) {
-        std::vector<TextWord> kept;
-        for (std::size_t i = 0; i < line.words.size(); ++i) {
-            if (!isIcon(map, line, i, letterHeight))
-                kept.push_back(line.words[i]);
+        const std::vector<Piece> pieces = piecesOf(map, line);
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            if (isIcon(pieces, i, tallLetter))
+                takeOut(pieces[i].blobs, map, line);
         }
-        if (kept.size() == line.words.size())
-            continue;
-        line.words = std::move(kept);
-        for (std::size_t i = 0; i < line.words.size(); ++i)
-            line.box = i == 0 ? line.words[i].box : line.box.united(line.words[i].box);
     }
     std::erase_if(lines, [](const TextLine &line) { return line.words.empty(); });
 }

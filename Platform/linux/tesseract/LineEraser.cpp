@@ -104,9 +104,35 @@ void markDown(const GreyPicture &lengths, GreyPicture &erased)
     }
 }
 
+// Rules that end at the left, right, upper or lower side of a box.
+struct EndsOfRules {
+    int left = 0;
+    int right = 0;
+    int above = 0;
+    int below = 0;
+};
+
+EndsOfRules endsAt(const GreyPicture &erased, const PixelBox &box)
+{
+    const auto isErased = [&erased](int x, int y) {
+        return x >= 0 && y >= 0 && x < erased.width && y < erased.height &&
+               erased.row(y)[static_cast<std::size_t>(x)] != 0;
+    };
+    EndsOfRules ends;
+    for (int y = box.top - 1; y <= box.bottom(); ++y) {
+        ends.left += isErased(box.left - 1, y) && !isErased(box.left - 1, y - 1) ? 1 : 0;
+        ends.right += isErased(box.right(), y) && !isErased(box.right(), y - 1) ? 1 : 0;
+    }
+    for (int x = box.left; x < box.right(); ++x) {
+        ends.above += isErased(x, box.top - 1) && !isErased(x - 1, box.top - 1) ? 1 : 0;
+        ends.below += isErased(x, box.bottom()) && !isErased(x - 1, box.bottom()) ? 1 : 0;
+    }
+    return ends;
+}
+
 } // namespace
 
-void eraseLines(GreyPicture &picture)
+GreyPicture eraseLines(GreyPicture &picture)
 {
     const GreyPicture lengths = thicknessDown(picture);
     GreyPicture erased(picture.width, picture.height, 0);
@@ -115,5 +141,19 @@ void eraseLines(GreyPicture &picture)
     for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
         if (erased.pixels[i] != 0)
             picture.pixels[i] = 255;
+    }
+    return erased;
+}
+
+void findFrameParts(const GreyPicture &erased, BlobMap &map)
+{
+    constexpr int maxSide = 48;
+    for (Blob &blob : map.blobs) {
+        if (std::min(blob.box.width, blob.box.height) > maxSide / 2 ||
+            std::max(blob.box.width, blob.box.height) > maxSide)
+            continue;
+        const EndsOfRules ends = endsAt(erased, blob.box);
+        const bool isCrossed = (ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0);
+        blob.isFrame = !isCrossed && ends.left + ends.right + ends.above + ends.below >= 2;
     }
 }

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <cmath>
+#include <map>
 
 namespace {
 
@@ -35,6 +36,31 @@ QImage readableCopy(const QImage &image)
     opaque.fill(Qt::white);
     QPainter(&opaque).drawImage(0, 0, sized);
     return opaque;
+}
+
+bool needsMargin(const QImage &readable)
+{
+    constexpr int smallSide = 64;
+    return std::min(readable.width(), readable.height()) < smallSide;
+}
+
+QImage withMargin(const QImage &readable)
+{
+    std::map<QRgb, int> counts;
+    for (int x = 0; x < readable.width(); ++x) {
+        ++counts[readable.pixel(x, 0)];
+        ++counts[readable.pixel(x, readable.height() - 1)];
+    }
+    for (int y = 0; y < readable.height(); ++y) {
+        ++counts[readable.pixel(0, y)];
+        ++counts[readable.pixel(readable.width() - 1, y)];
+    }
+    const auto most = std::max_element(counts.begin(), counts.end(),
+                                       [](const auto &a, const auto &b) { return a.second < b.second; });
+    QImage result(readable.size() + QSize(2 * smallMargin, 2 * smallMargin), QImage::Format_RGB32);
+    result.fill(most->first);
+    QPainter(&result).drawImage(smallMargin, smallMargin, readable);
+    return result;
 }
 
 ColorPicture colorPicture(const QImage &image)

@@ -10,6 +10,12 @@
 // a side that the engine could not take, it is made smaller). Null for a null image.
 [[nodiscard]] QImage readableCopy(const QImage &image);
 
+// A picture cut close around a word or two gets a margin of `smallMargin` pixels in the colour that most of
+// its edge has; others stay as they are.
+inline constexpr int smallMargin = 16;
+[[nodiscard]] bool needsMargin(const QImage &readable);
+[[nodiscard]] QImage withMargin(const QImage &readable);
+
 // Borrows the pixels of a readable copy.
 [[nodiscard]] ColorPicture colorPicture(const QImage &image);
 

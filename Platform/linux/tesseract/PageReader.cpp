@@ -1,14 +1,15 @@
 #include "Platform/linux/tesseract/PageReader.h"
 
-#include "Platform/linux/tesseract/PagePictures.h"
-#include "Platform/linux/tesseract/TextEngine.h"
-
 #include "Platform/linux/tesseract/BlockPicture.h"
+#include "Platform/linux/tesseract/Fragments.h"
 #include "Platform/linux/tesseract/IconRemover.h"
 #include "Platform/linux/tesseract/LineEraser.h"
+#include "Platform/linux/tesseract/PagePictures.h"
 #include "Platform/linux/tesseract/PhotoNormalizer.h"
 #include "Platform/linux/tesseract/PictureKind.h"
 #include "Platform/linux/tesseract/SurfaceNormalizer.h"
+#include "Platform/linux/tesseract/TextEngine.h"
+#include "Platform/linux/tesseract/WordSpacing.h"
 
 // What stays loaded from one picture to the next.
 struct PageReader::Engine {
@@ -17,8 +18,27 @@ struct PageReader::Engine {
 
 namespace {
 
-using Words = std::vector<RecognizedWord>;
+using Lines = std::vector<EngineLine>;
 using StageObserver = std::function<void(const QString &, const QImage &)>;
+
+// Now and then the engine leaves out a line in the middle of a column.
+std::vector<TextLine> linesWithoutWords(const TextBlock &block, const Lines &read)
+{
+    constexpr std::size_t minWords = 2;
+    std::vector<TextLine> missed;
+    if (block.lines.size() < 2)
+        return missed;
+    for (const TextLine &line : block.lines) {
+        const QRectF box(line.box.left, line.box.top, line.box.width, line.box.height);
+        const bool isRead = std::any_of(read.begin(), read.end(), [&box](const EngineLine &candidate) {
+            return std::any_of(candidate.words.begin(), candidate.words.end(),
+                               [&box](const EngineWord &word) { return box.contains(word.box.center()); });
+        });
+        if (!isRead && line.words.size() >= minWords)
+            missed.push_back(line);
+    }
+    return missed;
+}
 
 // One picture on its way through the stages.
 class PageRun {
@@ -30,7 +50,7 @@ public:
     }
 
     // Absent when the time is over or the engine failed.
-    std::optional<Words> read()
+    std::optional<Lines> read()
     {
         const double equalNeighbours = equalNeighbourShare(picture);
         if (pictureKind(equalNeighbours, 1) == PictureKind::photo)
@@ -42,26 +62,24 @@ public:
     }
 
 private:
-    std::optional<Words> readPhoto()
+    std::optional<Lines> readPhoto()
     {
         const GreyPicture even = normalizePhoto(picture);
         show("photo", even);
-        Words words;
-        if (isExpired() || !engine.read(even, PictureLayout::page, {}, isExpired, words))
-            return std::nullopt;
-        return words;
+        return isExpired() ? std::nullopt : engine.read(even, PictureLayout::page, isExpired);
     }
 
-    std::optional<Words> readScreenshot(const Surfaces &surfaces)
+    std::optional<Lines> readScreenshot(const Surfaces &surfaces)
     {
         show("surfaces", surfaces.marks, 255);
         GreyPicture normalized = normalizeSurfaces(picture, surfaces);
         show("normalized", normalized);
         if (isExpired())
             return std::nullopt;
-        eraseLines(normalized);
+        const GreyPicture erased = eraseLines(normalized);
         show("without-lines", normalized);
-        const BlobMap map = findBlobs(normalized);
+        BlobMap map = findBlobs(normalized);
+        findFrameParts(erased, map);
         std::vector<TextLine> lines = findLines(map);
         removeIcons(map, lines);
         attachSmallParts(map, lines);
@@ -71,20 +89,40 @@ private:
         return readBlocks(normalized, map, blocks);
     }
 
-    std::optional<Words> readBlocks(const GreyPicture &normalized, const BlobMap &map,
+    std::optional<Lines> readBlocks(const GreyPicture &normalized, const BlobMap &map,
                                     const std::vector<TextBlock> &blocks)
     {
-        Words words;
+        Lines lines;
         for (const TextBlock &block : blocks) {
             if (isExpired())
                 return std::nullopt;
-            const BlockPicture cut = cutBlock(normalized, map, block);
-            const PictureFrame frame{QPointF(cut.source.left, cut.source.top),
-                                     static_cast<double>(cut.border), 1.0 / cut.scale};
-            if (!engine.read(cut.picture, PictureLayout::oneBlock, frame, isExpired, words))
+            auto read = readBlock(normalized, map, block);
+            if (!read)
                 return std::nullopt;
+            for (const TextLine &missed : linesWithoutWords(block, *read)) {
+                auto again = readBlock(normalized, map, blockOf(map, {missed}));
+                if (!again)
+                    return std::nullopt;
+                std::move(again->begin(), again->end(), std::back_inserter(*read));
+            }
+            std::move(read->begin(), read->end(), std::back_inserter(lines));
         }
-        return words;
+        return lines;
+    }
+
+    // In pixels of the whole picture.
+    std::optional<Lines> readBlock(const GreyPicture &normalized, const BlobMap &map, const TextBlock &block)
+    {
+        const BlockPicture cut = cutBlock(normalized, map, block);
+        auto lines = engine.read(cut.picture, PictureLayout::oneBlock, isExpired);
+        for (std::size_t i = 0; lines && i < lines->size(); ++i) {
+            EngineLine &line = (*lines)[i];
+            correctSpacing(cut.picture, line);
+            line.letterHeight = 1.3 * block.letterHeight;
+            for (EngineWord &word : line.words)
+                word.box = cut.placeOf(word.box);
+        }
+        return lines;
     }
 
     void show(const char *stage, const GreyPicture &shown, int factor = 1) const
@@ -115,12 +153,20 @@ std::unique_ptr<PageReader> PageReader::open(const QString &dataFolder, const QS
 std::optional<std::vector<RecognizedFragment>> PageReader::read(const QImage &upright,
                                                                 const std::function<bool()> &isExpired)
 {
-    const QImage image = readableCopy(upright);
+    QImage image = readableCopy(upright);
     if (image.isNull())
         return std::vector<RecognizedFragment>{};
+    const QSize size = image.size();
+    const int margin = needsMargin(image) ? smallMargin : 0;
+    if (margin > 0)
+        image = withMargin(image);
     const ColorPicture picture = colorPicture(image);
-    const auto words = PageRun(*engine->text, picture, isExpired, onStage).read();
-    if (!words)
+    auto lines = PageRun(*engine->text, picture, isExpired, onStage).read();
+    if (!lines)
         return std::nullopt;
-    return makeFragments(*words, image.size());
+    for (EngineLine &line : *lines) {
+        for (EngineWord &word : line.words)
+            word.box = word.box.translated(-margin, -margin) & QRectF(QPointF(), size);
+    }
+    return makeFragments(*lines, size);
 }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double maxGap = 1.5;    // of the taller line's height
 constexpr double maxRatio = 1.9;  // between the heights
-constexpr int maxLines = 60;      // keeps one block's picture small
+constexpr std::size_t maxLines = 60;    // keeps one block's picture small
 constexpr int maxBlockSide = 8000; // pixels, of which the engine takes 32767 after enlarging
 
 bool canFollow(const PixelBox &upper, const PixelBox &lower)
@@ -51,28 +51,25 @@ Neighbours bestNeighbours(const std::vector<PixelBox> &boxes, bool isBelow)
     return result;
 }
 
-void addLine(const BlobMap &map, const TextLine &line, TextBlock &block)
+} // namespace
+
+TextBlock blockOf(const BlobMap &map, std::vector<TextLine> lines)
 {
-    ++block.lineCount;
-    for (const TextWord &word : line.words) {
-        for (const std::uint32_t blob : word.blobs) {
-            const PixelBox &box = map.blobs[blob].box;
-            block.box = block.blobs.empty() ? box : block.box.united(box);
-            block.blobs.push_back(blob);
+    TextBlock block;
+    block.lines = std::move(lines);
+    std::vector<Blob> letters;
+    for (const TextLine &line : block.lines) {
+        for (const TextWord &word : line.words) {
+            for (const std::uint32_t blob : word.blobs) {
+                letters.push_back(map.blobs[blob]);
+                block.box = block.blobs.empty() ? letters.back().box : block.box.united(letters.back().box);
+                block.blobs.push_back(blob);
+            }
         }
     }
+    block.letterHeight = letterHeight(letters);
+    return block;
 }
-
-int medianHeight(const BlobMap &map, const TextBlock &block)
-{
-    std::vector<Blob> letters;
-    letters.reserve(block.blobs.size());
-    for (const std::uint32_t blob : block.blobs)
-        letters.push_back(map.blobs[blob]);
-    return medianLetterHeight(letters);
-}
-
-} // namespace
 
 std::vector<TextBlock> findBlocks(const BlobMap &map, const std::vector<TextLine> &lines)
 {
@@ -89,15 +86,15 @@ std::vector<TextBlock> findBlocks(const BlobMap &map, const std::vector<TextLine
     for (std::uint32_t i = 0; i < lines.size(); ++i) {
         if (above[i] && below[*above[i]] == i)
             continue; // within a block that begins higher up
-        TextBlock block;
+        std::vector<TextLine> column;
         for (std::optional<std::uint32_t> line = i; line; line = follower(*line)) {
-            if (block.lineCount >= maxLines || block.box.height > maxBlockSide)
-                blocks.push_back(std::exchange(block, {}));
-            addLine(map, lines[*line], block);
+            const bool isFull = !column.empty() && (column.size() >= maxLines ||
+                                                    boxes[*line].bottom() - column.front().box.top > maxBlockSide);
+            if (isFull)
+                blocks.push_back(blockOf(map, std::exchange(column, {})));
+            column.push_back(lines[*line]);
         }
-        blocks.push_back(std::move(block));
+        blocks.push_back(blockOf(map, std::move(column)));
     }
-    for (TextBlock &block : blocks)
-        block.letterHeight = medianHeight(map, block);
     return blocks;
 }

@@ -9,7 +9,9 @@ struct TextBlock {
     PixelBox box;
     std::vector<std::uint32_t> blobs;
     int letterHeight = 0; // median
-    int lineCount = 0;
+    std::vector<TextLine> lines;
 };
+
+[[nodiscard]] TextBlock blockOf(const BlobMap &map, std::vector<TextLine> lines);
 
 [[nodiscard]] std::vector<TextBlock> findBlocks(const BlobMap &map, const std::vector<TextLine> &lines);

@@ -18,6 +18,17 @@ bool askWhetherExpired(void *isExpired, int /*wordsRead*/)
     return (*static_cast<const std::function<bool()> *>(isExpired))();
 }
 
+std::optional<QRectF> boxAt(const tesseract::ResultIterator &it, tesseract::PageIteratorLevel level)
+{
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+    if (it.Empty(level) || !it.BoundingBox(level, &left, &top, &right, &bottom))
+        return std::nullopt;
+    return QRectF(QPointF(left, top), QPointF(right, bottom));
+}
+
 QString takeText(char *text)
 {
     const std::unique_ptr<char[]> owned(text);
@@ -51,8 +62,8 @@ std::unique_ptr<TextEngine> TextEngine::open(const QString &dataFolder, const QS
     return engine;
 }
 
-bool TextEngine::read(const GreyPicture &picture, PictureLayout layout, const PictureFrame &frame,
-                      const std::function<bool()> &isExpired, std::vector<RecognizedWord> &words)
+std::optional<std::vector<EngineLine>> TextEngine::read(const GreyPicture &picture, PictureLayout layout,
+                                                        const std::function<bool()> &isExpired)
 {
     api->SetPageSegMode(layout == PictureLayout::page ? tesseract::PSM_AUTO : tesseract::PSM_SINGLE_BLOCK);
     api->SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
@@ -62,32 +73,33 @@ bool TextEngine::read(const GreyPicture &picture, PictureLayout layout, const Pi
     auto ask = isExpired;
     monitor.cancel = &askWhetherExpired;
     monitor.cancel_this = &ask;
-    const bool done = api->Recognize(&monitor) == 0 && !isExpired();
-    if (done)
-        collectWords(frame, words);
+    std::optional<std::vector<EngineLine>> lines;
+    if (api->Recognize(&monitor) == 0 && !isExpired())
+        lines = collectLines();
     api->Clear();
-    return done;
+    return lines;
 }
 
-void TextEngine::collectWords(const PictureFrame &frame, std::vector<RecognizedWord> &words)
+std::vector<EngineLine> TextEngine::collectLines()
 {
+    std::vector<EngineLine> lines;
     const std::unique_ptr<tesseract::ResultIterator> it(api->GetIterator());
     if (!it)
-        return;
-    const auto toPicture = [&frame](int left, int top) {
-        return frame.origin + (QPointF(left, top) - QPointF(frame.border, frame.border)) * frame.step;
-    };
+        return lines;
     do {
-        if (it->Empty(tesseract::RIL_WORD))
+        const auto box = boxAt(*it, tesseract::RIL_SYMBOL);
+        if (!box)
             continue;
-        int left = 0;
-        int top = 0;
-        int right = 0;
-        int bottom = 0;
-        if (!it->BoundingBox(tesseract::RIL_WORD, &left, &top, &right, &bottom))
-            continue;
-        words.push_back({takeText(it->GetUTF8Text(tesseract::RIL_WORD)), it->Confidence(tesseract::RIL_WORD),
-                         QRectF(toPicture(left, top), toPicture(right, bottom)),
-                         it->IsAtBeginningOf(tesseract::RIL_TEXTLINE)});
-    } while (it->Next(tesseract::RIL_WORD));
+        if (it->IsAtBeginningOf(tesseract::RIL_TEXTLINE) || lines.empty())
+            lines.push_back({boxAt(*it, tesseract::RIL_TEXTLINE).value_or(*box), {}, 0});
+        auto &words = lines.back().words;
+        if (it->IsAtBeginningOf(tesseract::RIL_WORD) || words.empty())
+            words.push_back({takeText(it->GetUTF8Text(tesseract::RIL_WORD)),
+                             it->Confidence(tesseract::RIL_WORD),
+                             boxAt(*it, tesseract::RIL_WORD).value_or(*box),
+                             {}});
+        words.back().symbols.push_back(
+            {takeText(it->GetUTF8Text(tesseract::RIL_SYMBOL)), box->left(), box->right()});
+    } while (it->Next(tesseract::RIL_SYMBOL));
+    return lines;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/linux/tesseract/Fragments.h"
+#include "Platform/linux/tesseract/EngineWords.h"
 #include "Platform/linux/tesseract/Pixels.h"
 
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -13,16 +14,8 @@ class TessBaseAPI;
 
 // What the engine is told about the picture it gets.
 enum class PictureLayout {
-    page,   // find columns and lines yourself
+    page,    // find columns and lines yourself
     oneBlock // one column of lines
-};
-
-// Where a picture that the engine gets lies in the upright picture: pixel p of it is `origin + (p - border) *
-// step` there.
-struct PictureFrame {
-    QPointF origin;
-    double border = 0;
-    double step = 1;
 };
 
 // Tesseract with its languages loaded. Belongs to one thread.
@@ -33,14 +26,13 @@ public:
                                                           const QStringList &codes);
     ~TextEngine();
 
-    // Adds the words of a picture to `words`. False when `isExpired` became true or the engine failed: then
-    // what was added counts for nothing.
-    [[nodiscard]] bool read(const GreyPicture &picture, PictureLayout layout, const PictureFrame &frame,
-                            const std::function<bool()> &isExpired, std::vector<RecognizedWord> &words);
+    // The lines of a picture, in its own pixels. Absent when `isExpired` became true or the engine failed.
+    [[nodiscard]] std::optional<std::vector<EngineLine>>
+    read(const GreyPicture &picture, PictureLayout layout, const std::function<bool()> &isExpired);
 
 private:
     TextEngine();
-    void collectWords(const PictureFrame &frame, std::vector<RecognizedWord> &words);
+    [[nodiscard]] std::vector<EngineLine> collectLines();
 
     std::unique_ptr<tesseract::TessBaseAPI> api;
 };

@@ -3,6 +3,7 @@
 #include "Platform/linux/tesseract/BoxIndex.h"
 
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <numeric>
 
@@ -14,12 +15,13 @@ constexpr int maxLetterAspect = 30; // letters of one word that touch
 constexpr double wordGap = 0.6;
 constexpr double lineGap = 1.3;
 constexpr double minSharedRows = 0.5; // of the lower of the two
+constexpr double tallShare = 0.75;
 
 // A letter, or some that touch: neither a dot or stroke nor a rule.
 bool canBeLetter(const Blob &blob)
 {
     const PixelBox &box = blob.box;
-    return box.height >= minLetterHeight && box.height <= maxLetterHeight &&
+    return !blob.isFrame && box.height >= minLetterHeight && box.height <= maxLetterHeight &&
            box.width <= maxLetterAspect * box.height && box.height <= maxLetterAspect * box.width;
 }
 
@@ -108,11 +110,90 @@ std::vector<TextWord> findWords(const BlobMap &map, const std::vector<std::uint3
     return words;
 }
 
-// A piece that belongs to no line yet.
+// Joins the lines that stand near each other. Words without tall letters would reach less far than their
+// neighbours, so what is about as high as an x reaches as far as an X.
+std::vector<TextLine> joinedLines(std::vector<TextLine> pieces, int tallLetter)
+{
+    std::vector<PixelBox> boxes;
+    boxes.reserve(pieces.size());
+    for (const TextLine &piece : pieces)
+        boxes.push_back(piece.box);
+    const auto groups = joinNeighbours(boxes, [tallLetter](const PixelBox &a, const PixelBox &b) {
+        const int height = gapHeight(a, b);
+        const bool isUsual = 2 * height >= tallLetter && height < tallLetter;
+        return lineGap * (isUsual ? tallLetter : height);
+    });
+    std::vector<TextLine> lines;
+    for (const auto &group : groups) {
+        TextLine line{boxes[group.front()], {}};
+        for (const std::uint32_t member : group) {
+            line.box = line.box.united(boxes[member]);
+            std::move(pieces[member].words.begin(), pieces[member].words.end(),
+                      std::back_inserter(line.words));
+        }
+        std::sort(line.words.begin(), line.words.end(),
+                  [](const TextWord &a, const TextWord &b) { return a.box.left < b.box.left; });
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+// A piece that may belong to a line near it.
 struct SmallPart {
     PixelBox box;
-    std::uint32_t blob = 0;
+    std::vector<std::uint32_t> blobs;
+    bool wasLine = false;
 };
+
+// Bars of one width above each other are the icon of a menu.
+bool isBarOfMenu(const PixelBox &bar, const std::vector<PixelBox> &boxes, const BoxIndex &index)
+{
+    if (bar.width < 8 || bar.height > bar.width / 3)
+        return false;
+    int alike = 0;
+    index.forEachTouching({bar.left, bar.top - bar.width, bar.width, 2 * bar.width}, [&](std::uint32_t i) {
+        const PixelBox &other = boxes[i];
+        if (std::abs(other.left - bar.left) <= 1 && std::abs(other.width - bar.width) <= 1 &&
+            std::abs(other.height - bar.height) <= 1)
+            ++alike;
+    });
+    return alike >= 3;
+}
+
+// Blobs in no line yet.
+std::vector<SmallPart> freeParts(const BlobMap &map, const std::vector<TextLine> &lines)
+{
+    std::vector<bool> taken(map.blobs.size(), false);
+    for (const TextLine &line : lines) {
+        for (const TextWord &word : line.words) {
+            for (const std::uint32_t blob : word.blobs)
+                taken[blob] = true;
+        }
+    }
+    std::vector<PixelBox> boxes;
+    for (const Blob &blob : map.blobs)
+        boxes.push_back(blob.box);
+    const BoxIndex index(boxes);
+    std::vector<SmallPart> parts;
+    for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
+        if (!taken[i] && !map.blobs[i].isFrame && !isBarOfMenu(boxes[i], boxes, index))
+            parts.push_back({boxes[i], {i}, false});
+    }
+    return parts;
+}
+
+// In large text commas and accents are as high as small letters and have become lines of their own.
+void takeApartSmallLines(std::vector<TextLine> &lines, std::vector<SmallPart> &parts)
+{
+    std::vector<TextLine> kept;
+    for (TextLine &line : lines) {
+        if (line.words.size() == 1 && line.words.front().blobs.size() <= 2)
+            parts.push_back({line.box, line.words.front().blobs, true});
+        else
+            kept.push_back(std::move(line));
+    }
+    lines = std::move(kept);
+}
 
 // How far a small part is from a line, absent when too far to be its own.
 double distanceToLine(const PixelBox &part, const TextLine &line)
@@ -131,7 +212,7 @@ double distanceToLine(const PixelBox &part, const TextLine &line)
 
 } // namespace
 
-int medianLetterHeight(const std::vector<Blob> &blobs)
+int letterHeight(const std::vector<Blob> &blobs, double share)
 {
     std::vector<int> heights;
     for (const Blob &blob : blobs) {
@@ -140,73 +221,54 @@ int medianLetterHeight(const std::vector<Blob> &blobs)
     }
     if (heights.empty())
         return 0;
-    const auto middle = heights.begin() + static_cast<std::ptrdiff_t>(heights.size() / 2);
-    std::nth_element(heights.begin(), middle, heights.end());
-    return *middle;
+    const auto at = heights.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(heights.size() - 1));
+    std::nth_element(heights.begin(), at, heights.end());
+    return *at;
 }
 
 std::vector<TextLine> findLines(const BlobMap &map)
 {
-    const int median = medianLetterHeight(map.blobs);
-    const std::vector<bool> frames = findFrames(map.blobs, median);
+    const std::vector<bool> frames = findFrames(map.blobs, letterHeight(map.blobs));
     std::vector<std::uint32_t> letters;
     for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
         if (canBeLetter(map.blobs[i]) && !frames[i])
             letters.push_back(i);
     }
-    std::vector<TextWord> words = findWords(map, letters);
-    std::vector<PixelBox> boxes;
-    boxes.reserve(words.size());
-    for (const TextWord &word : words)
-        boxes.push_back(word.box);
-    // Words without tall letters would otherwise reach less far than their neighbours.
-    const auto groups = joinNeighbours(boxes, [median](const PixelBox &a, const PixelBox &b) {
-        const int height = gapHeight(a, b);
-        return lineGap * (2 * height >= median ? std::max<double>(height, 0.9 * median) : height);
-    });
     std::vector<TextLine> lines;
-    for (const auto &group : groups) {
-        TextLine line{boxes[group.front()], {}};
-        for (const std::uint32_t member : group) {
-            line.box = line.box.united(boxes[member]);
-            line.words.push_back(std::move(words[member]));
-        }
-        std::sort(line.words.begin(), line.words.end(),
-                  [](const TextWord &a, const TextWord &b) { return a.box.left < b.box.left; });
-        lines.push_back(std::move(line));
-    }
-    return lines;
+    for (TextWord &word : findWords(map, letters))
+        lines.push_back({word.box, {std::move(word)}});
+    return joinedLines(std::move(lines), letterHeight(map.blobs, tallShare));
 }
 
 void attachSmallParts(const BlobMap &map, std::vector<TextLine> &lines)
 {
-    std::vector<bool> taken(map.blobs.size(), false);
+    std::vector<SmallPart> parts = freeParts(map, lines);
+    takeApartSmallLines(lines, parts);
     std::vector<PixelBox> boxes;
     for (const TextLine &line : lines) {
         const PixelBox &box = line.box;
         const int reach = static_cast<int>(lineGap * box.height) + 1;
         boxes.push_back({box.left - reach, box.top - box.height, box.width + 2 * reach, 3 * box.height});
-        for (const TextWord &word : line.words) {
-            for (const std::uint32_t blob : word.blobs)
-                taken[blob] = true;
-        }
     }
     const BoxIndex index(boxes);
-    for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
-        if (taken[i])
-            continue;
-        const PixelBox &part = map.blobs[i].box;
+    for (const SmallPart &part : parts) {
         double nearest = std::numeric_limits<double>::infinity();
         std::size_t host = 0;
-        index.forEachTouching(part, [&](std::uint32_t line) {
-            const double distance = distanceToLine(part, lines[line]);
+        index.forEachTouching(part.box, [&](std::uint32_t line) {
+            const double distance = distanceToLine(part.box, lines[line]);
             if (distance < nearest) {
                 nearest = distance;
                 host = line;
             }
         });
-        if (std::isinf(nearest))
-            continue;
-        lines[host].words.push_back({part, {i}});
+        if (!std::isinf(nearest))
+            lines[host].words.push_back({part.box, part.blobs});
+        else if (part.wasLine)
+            lines.push_back({part.box, {{part.box, part.blobs}}});
     }
+    for (TextLine &line : lines) {
+        for (const TextWord &word : line.words)
+            line.box = line.box.united(word.box);
+    }
+    lines = joinedLines(std::move(lines), letterHeight(map.blobs, tallShare));
 }
