@@ -43,7 +43,8 @@ void TextRecognitionQueue::pickNext()
         const auto found = std::ranges::find_if(store.clips(), isCandidate);
         if (found == store.clips().end())
             return;
-        const ClipPointer candidate = *found; // the list that it stands in may change
+        // The list that it stands in may change.
+        const ClipPointer candidate = *found; // NOLINT(performance-unnecessary-copy-initialization)
         if (auto image = candidate->imageData(store)) {
             current = candidate;
             queue.order(std::move(image));

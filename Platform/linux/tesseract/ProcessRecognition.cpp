@@ -18,12 +18,6 @@ namespace {
 constexpr qsizetype mostLanguages = 3; // at once: each costs time on every image
 constexpr int crashesBeforeRest = 3;
 
-void setError(QString *error, const QString &text)
-{
-    if (error)
-        *error = text;
-}
-
 } // namespace
 
 ProcessRecognition::ProcessRecognition(Settings given) : settings(std::move(given)) {}
@@ -78,46 +72,42 @@ std::optional<RecognizedImage> ProcessRecognition::recognize(const QByteArray &i
                                                              const QStringList &languages, QString *error)
 {
     const std::lock_guard lock(turn);
-    setError(error, {});
-    if (image.size() > RecognitionProtocol::longestImage)
+    QString reason;
+    auto answer =
+        image.size() <= RecognitionProtocol::longestImage ? read(image, languages, reason) : std::nullopt;
+    if (answer && answer->outcome == Outcome::expired)
+        reason = QStringLiteral("it took too long");
+    else if (answer && answer->outcome == Outcome::failed)
+        reason = QStringLiteral("the engine gave up");
+    if (error)
+        *error = isCancelled ? QString() : reason;
+    if (isCancelled || !answer || answer->outcome != Outcome::read)
         return std::nullopt;
-    std::optional<ReadAnswer> answer;
-    for (int attempt = 0; attempt < 2 && !answer; ++attempt) {
+    return std::move(answer->image);
+}
+
+std::optional<ReadAnswer> ProcessRecognition::read(const QByteArray &image, const QStringList &languages,
+                                                   QString &reason)
+{
+    for (int attempt = 0; attempt < 2; ++attempt) {
         QStringList codes = codesFor(languages);
         while (!codes.isEmpty() && !load(codes))
             codes = codesFor(languages);
-        if (isCancelled)
-            return std::nullopt;
         if (codes.isEmpty()) {
-            setError(error, QStringLiteral("no language can be read"));
+            reason = QStringLiteral("no language can be read");
             return std::nullopt;
         }
-        answer = process->read(image, settings.cpuPerImage);
-        if (!answer && process->end() != End::byItself) // it had been idle for too long: a new one is asked
+        if (auto answer = process->read(image, settings.cpuPerImage)) {
+            crashes = 0;
+            return answer;
+        }
+        if (process->end() != End::byItself) // else it had been idle for too long: a new one is asked
             break;
     }
-    if (isCancelled)
-        return std::nullopt;
-    if (!answer) {
-        setError(error, process->endText());
-        if (process->end() == End::crash)
-            countCrash();
-        process.reset();
-        return std::nullopt;
-    }
-    crashes = 0;
-    switch (answer->outcome) {
-    case Outcome::read:
-        return std::move(answer->image);
-    case Outcome::unreadable:
-        break;
-    case Outcome::expired:
-        setError(error, QStringLiteral("it took too long"));
-        break;
-    case Outcome::failed:
-        setError(error, QStringLiteral("the engine gave up"));
-        break;
-    }
+    reason = process->endText();
+    if (process->end() == End::crash)
+        countCrash();
+    process.reset();
     return std::nullopt;
 }
 

@@ -11,6 +11,9 @@
 #include <mutex>
 
 class RecognitionProcess;
+namespace RecognitionProtocol {
+struct ReadAnswer;
+}
 
 // Reads images in a process of its own, which is started when it is needed and goes when it is not: a crash,
 // an endless loop or a gigabyte of memory costs one image, never the program.
@@ -39,6 +42,8 @@ public:
 private:
     [[nodiscard]] std::vector<DataLanguage> usableLanguages();
     [[nodiscard]] QStringList codesFor(const QStringList &languages);
+    [[nodiscard]] std::optional<RecognitionProtocol::ReadAnswer>
+    read(const QByteArray &image, const QStringList &languages, QString &reason);
     [[nodiscard]] bool startProcess();
     [[nodiscard]] bool load(const QStringList &codes);
     [[nodiscard]] bool isProven(const QString &code);

@@ -11,8 +11,8 @@
 // Decoding trusts nothing: absent for bytes that are not exactly one sound message of this kind.
 namespace RecognitionProtocol {
 
-inline constexpr qsizetype longestImage = 512 * 1024 * 1024; // bytes
-inline constexpr qsizetype longestAnswer = 16 * 1024 * 1024;
+inline constexpr qsizetype longestImage = qsizetype{512} << 20; // bytes
+inline constexpr qsizetype longestAnswer = qsizetype{16} << 20;
 
 struct Hello {
     bool operator==(const Hello &) const = default;

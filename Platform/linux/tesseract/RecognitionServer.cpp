@@ -25,7 +25,7 @@ namespace {
 constexpr qint64 idleMilliseconds = 60'000;
 constexpr qint64 loadMilliseconds = 20'000;
 constexpr qint64 graceSeconds = 3; // after its time is up, for what is not asked whether it may go on
-constexpr qsizetype longestRequest = 1024 * 1024;
+constexpr qsizetype longestRequest = qsizetype{1} << 20;
 constexpr int longestSide = 16'383; // pixels: the engine takes twice that, and small text is doubled
 constexpr qint64 mostPixels = 40'000'000;
 constexpr qint64 pixelsWhenTooMany = 16'000'000;
