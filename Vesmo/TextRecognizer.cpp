@@ -227,7 +227,10 @@ void warmUp(double seconds, const std::shared_ptr<RecognitionService> &service)
 {
     const int delay = static_cast<int>(std::lround(seconds * 1000));
     QTimer::singleShot(delay, qApp, [service] {
-        auto *thread = QThread::create([service] { (void)text(blankImage(), 1, *service); });
+        auto *thread = QThread::create([service] {
+            if (!service->supportedLanguages().isEmpty())
+                (void)text(blankImage(), 1, *service);
+        });
         QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, thread, [thread, service] {
             service->cancel();

@@ -13,12 +13,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 class TextRecognitionQueueTest : public ::testing::Test {
+public:
+    ~TextRecognitionQueueTest() override { setLogSink({}); }
+
 protected:
     TextRecognitionQueueTest()
     {
         setLogSink([this](const QString &line) { log << line; });
     }
-    ~TextRecognitionQueueTest() override { setLogSink({}); }
 
     // An image clip of these bytes, which the service reads as `text`, unless that is null.
     ClipPointer add(const QByteArray &bytes, const QString &text = {})

@@ -124,7 +124,6 @@ ReadAnswer RecognitionServer::read(const ReadRequest &request, const QByteArray 
 
 void humble()
 {
-    constexpr rlim_t mostMemory = 1'500'000'000;
     constexpr int forProcess = 1; // ioprio_set: IOPRIO_WHO_PROCESS
     constexpr int idleClass = 3 << 13;
     ::setpriority(PRIO_PROCESS, 0, 19);
@@ -134,6 +133,7 @@ void humble()
     const rlimit none{0, 0};
     ::setrlimit(RLIMIT_CORE, &none);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which reserve terabytes
+    constexpr rlim_t mostMemory = 1'500'000'000;
     const rlimit memory{mostMemory, mostMemory};
     ::setrlimit(RLIMIT_AS, &memory);
 #endif

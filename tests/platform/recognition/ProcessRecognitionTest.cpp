@@ -31,15 +31,18 @@ QByteArray imageOf(const QColor &colour)
 // The table of a data file that names all its parts, and as many bytes as the parts need.
 QByteArray languageData()
 {
-    constexpr int parts = 24;
+    constexpr qsizetype parts = 24;
     QByteArray bytes(4 + 8 * parts + parts, '\0');
-    qToLittleEndian<qint32>(parts, bytes.data());
-    for (int part = 0; part < parts; ++part)
-        qToLittleEndian<qint64>(4 + 8 * parts + part, bytes.data() + 4 + 8 * part);
+    qToLittleEndian(qint32{parts}, bytes.data());
+    for (qsizetype part = 0; part < parts; ++part)
+        qToLittleEndian(qint64{4 + 8 * parts + part}, bytes.data() + 4 + 8 * part);
     return bytes;
 }
 
 class ProcessRecognitionTest : public ::testing::Test {
+public:
+    ~ProcessRecognitionTest() override { setLogSink({}); }
+
 protected:
     ProcessRecognitionTest()
     {
@@ -47,7 +50,6 @@ protected:
         for (const auto *code : {"eng", "ita"})
             write(QString::fromLatin1(code), languageData());
     }
-    ~ProcessRecognitionTest() override { setLogSink({}); }
 
     void write(const QString &code, const QByteArray &bytes) const
     {

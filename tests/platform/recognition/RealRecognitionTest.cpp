@@ -35,9 +35,11 @@ const QString wholeText =
     u"Perché la città è così\nsecondo rigo del testo\nterzo rigo del testo\n\nCordiali saluti"_s;
 
 class RealRecognitionTest : public ::testing::Test {
+public:
+    ~RealRecognitionTest() override { setLogSink({}); }
+
 protected:
     RealRecognitionTest() { qputenv("LANGUAGE", "it"); }
-    ~RealRecognitionTest() override { setLogSink({}); }
 
     std::optional<QString> text(const QByteArray &image) { return TextRecognizer::text(image, service); }
 
