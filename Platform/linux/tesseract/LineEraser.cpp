@@ -2,6 +2,8 @@
 
 namespace {
 
+// Rules are often fainter than text can be; left alone, the corners of their frames stay.
+constexpr std::uint8_t faintestRule = 242;
 constexpr int maxThickness = 3;
 constexpr int minLengthAcross = 50;
 constexpr int minLengthDown = 30;
@@ -18,7 +20,7 @@ GreyPicture thicknessDown(const GreyPicture &picture)
         auto out = lengths.row(y);
         for (std::size_t x = 0; x < ink.size(); ++x) {
             const int before = y > 0 ? above[x] : 0;
-            out[x] = ink[x] < inkLimit ? static_cast<std::uint8_t>(std::min(255, before + 1)) : std::uint8_t{0};
+            out[x] = ink[x] < faintestRule ? static_cast<std::uint8_t>(std::min(255, before + 1)) : std::uint8_t{0};
         }
     }
     for (int y = picture.height - 2; y >= 0; --y) {
