@@ -51,7 +51,19 @@ double heightOfText(const std::vector<Piece> &pieces, std::size_t except)
     if (heights.empty())
         return 0;
     std::sort(heights.begin(), heights.end());
-    return std::max<double>(heights[heights.size() * 9 / 10], 1.35 * heights[heights.size() / 2]);
+    return std::max<double>(heights[heights.size() * 9 / 10], 1.35 * heights[heights.size() / 4]);
+}
+
+// No letter is a filled square.
+bool isSolid(const BlobMap &map, const Piece &piece)
+{
+    constexpr int minSolidSide = 8;
+    const PixelBox &box = piece.box;
+    int ink = 0;
+    for (const std::uint32_t blob : piece.blobs)
+        ink += map.blobs[blob].area;
+    return box.width >= minSolidSide && box.height >= minSolidSide && 5 * box.width >= 3 * box.height &&
+           3 * box.width <= 5 * box.height && 20 * ink >= 17 * box.width * box.height;
 }
 
 bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter)
@@ -67,8 +79,10 @@ bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter
            (number + 1 == pieces.size() || pieces[number + 1].box.left - box.right() >= space);
 }
 
-void takeOut(const std::vector<std::uint32_t> &blobs, const BlobMap &map, TextLine &line)
+void takeOut(const std::vector<std::uint32_t> &blobs, BlobMap &map, TextLine &line)
 {
+    for (const std::uint32_t blob : blobs)
+        map.blobs[blob].isText = false;
     for (TextWord &word : line.words) {
         std::erase_if(word.blobs, [&blobs](std::uint32_t blob) {
             return std::find(blobs.begin(), blobs.end(), blob) != blobs.end();
@@ -85,13 +99,13 @@ void takeOut(const std::vector<std::uint32_t> &blobs, const BlobMap &map, TextLi
 
 } // namespace
 
-void removeIcons(const BlobMap &map, std::vector<TextLine> &lines)
+void removeIcons(BlobMap &map, std::vector<TextLine> &lines)
 {
     const int tallLetter = letterHeight(map.blobs, 0.75);
     for (TextLine &line : lines) {
         const std::vector<Piece> pieces = piecesOf(map, line);
         for (std::size_t i = 0; i < pieces.size(); ++i) {
-            if (isIcon(pieces, i, tallLetter))
+            if (isSolid(map, pieces[i]) || isIcon(pieces, i, tallLetter))
                 takeOut(pieces[i].blobs, map, line);
         }
     }

@@ -3,7 +3,7 @@
 namespace {
 
 // Rules are often fainter than text can be; left alone, the corners of their frames stay.
-constexpr std::uint8_t faintestRule = 242;
+constexpr std::uint8_t faintestRule = 250;
 constexpr int maxThickness = 3;
 constexpr int minLengthAcross = 50;
 constexpr int minLengthDown = 30;
@@ -156,6 +156,6 @@ void findFrameParts(const GreyPicture &erased, BlobMap &map)
             continue;
         const EndsOfRules ends = endsAt(erased, blob.box);
         const bool isCrossed = (ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0);
-        blob.isFrame = !isCrossed && ends.left + ends.right + ends.above + ends.below >= 2;
+        blob.isText = isCrossed || ends.left + ends.right + ends.above + ends.below < 2;
     }
 }

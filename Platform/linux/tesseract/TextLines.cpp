@@ -21,7 +21,7 @@ constexpr double tallShare = 0.75;
 bool canBeLetter(const Blob &blob)
 {
     const PixelBox &box = blob.box;
-    return !blob.isFrame && box.height >= minLetterHeight && box.height <= maxLetterHeight &&
+    return blob.isText && box.height >= minLetterHeight && box.height <= maxLetterHeight &&
            box.width <= maxLetterAspect * box.height && box.height <= maxLetterAspect * box.width;
 }
 
@@ -180,7 +180,7 @@ std::vector<SmallPart> freeParts(const BlobMap &map, const std::vector<TextLine>
     const BoxIndex index(boxes);
     std::vector<SmallPart> parts;
     for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
-        if (!taken[i] && !map.blobs[i].isFrame && !isBarOfMenu(boxes[i], boxes, index))
+        if (!taken[i] && map.blobs[i].isText && !isBarOfMenu(boxes[i], boxes, index))
             parts.push_back({boxes[i], {i}, false});
     }
     return parts;
