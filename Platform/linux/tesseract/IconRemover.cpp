@@ -57,13 +57,28 @@ double heightOfText(const std::vector<Piece> &pieces, std::size_t except)
 // No letter is a filled square.
 bool isSolid(const BlobMap &map, const Piece &piece)
 {
-    constexpr int minSolidSide = 8;
+    constexpr int minSolidSide = 11;
     const PixelBox &box = piece.box;
     int ink = 0;
     for (const std::uint32_t blob : piece.blobs)
         ink += map.blobs[blob].area;
     return box.width >= minSolidSide && box.height >= minSolidSide && 5 * box.width >= 3 * box.height &&
-           3 * box.width <= 5 * box.height && 20 * ink >= 17 * box.width * box.height;
+           3 * box.width <= 5 * box.height && 100 * ink >= 94 * box.width * box.height;
+}
+
+// Two letters that touch, as in "by", may be as high as a line, but no higher.
+bool isWithinText(const std::vector<Piece> &pieces, std::size_t number)
+{
+    const PixelBox &box = pieces[number].box;
+    int top = box.bottom();
+    int bottom = box.top;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (i == number || hasIconShape(pieces[i].box))
+            continue;
+        top = std::min(top, pieces[i].box.top);
+        bottom = std::max(bottom, pieces[i].box.bottom());
+    }
+    return box.top >= top - 1 && box.bottom() <= bottom + 1;
 }
 
 bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter)
@@ -73,6 +88,8 @@ bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter
         return false;
     const double text = heightOfText(pieces, number);
     if (box.height < minRatio * (text > 0 ? text : tallLetter))
+        return false;
+    if (isWithinText(pieces, number))
         return false;
     const double space = minGap * std::min(box.width, box.height);
     return (number == 0 || box.left - pieces[number - 1].box.right() >= space) &&

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::uint8_t clearInk = 170; // leaves out the soft edges that enlarging makes wider
+constexpr std::uint8_t clearInk = 205; // leaves out most of the soft edges that enlarging makes wider
 constexpr double minBlank = 0.86;      // of the letters' distance; a colon has 0.8 beside it
 
 struct Gap {
@@ -147,7 +147,7 @@ std::optional<double> pitchOf(const std::vector<MeasuredLine> &lines)
         return std::nullopt;
     double best = 0;
     double agreement = minAgreement;
-    for (double pitch = 0.35 * height; pitch < height; pitch *= 1.003) {
+    for (double pitch = 0.45 * height; pitch < height; pitch *= 1.003) {
         double total = 0;
         for (const MeasuredLine &measured : lines) {
             double cosine = 0;
