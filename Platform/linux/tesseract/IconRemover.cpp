@@ -5,7 +5,7 @@ namespace {
 constexpr int minSide = 11;
 constexpr int maxSide = 72;
 constexpr double minRatio = 1.15; // of an icon's height to the text's
-constexpr double minGap = 0.35;   // of the icon's smaller side
+constexpr double minGap = 0.2;    // of the icon's smaller side
 
 // Blobs of a line that share columns: a letter with its accent, an icon with its parts.
 struct Piece {
@@ -66,6 +66,16 @@ bool isSolid(const BlobMap &map, const Piece &piece)
            3 * box.width <= 5 * box.height && 100 * ink >= 94 * box.width * box.height;
 }
 
+// Three bars above each other, the sign for a menu.
+bool isMenu(const BlobMap &map, const Piece &piece)
+{
+    return piece.blobs.size() >= 3 &&
+           std::all_of(piece.blobs.begin(), piece.blobs.end(), [&](std::uint32_t blob) {
+               const PixelBox &box = map.blobs[blob].box;
+               return box.width >= 3 * box.height && box.width + 2 >= piece.box.width;
+           });
+}
+
 // Two letters that touch, as in "by", may be as high as a line, but no higher.
 bool isWithinText(const std::vector<Piece> &pieces, std::size_t number)
 {
@@ -122,7 +132,7 @@ void removeIcons(BlobMap &map, std::vector<TextLine> &lines)
     for (TextLine &line : lines) {
         const std::vector<Piece> pieces = piecesOf(map, line);
         for (std::size_t i = 0; i < pieces.size(); ++i) {
-            if (isSolid(map, pieces[i]) || isIcon(pieces, i, tallLetter))
+            if (isSolid(map, pieces[i]) || isMenu(map, pieces[i]) || isIcon(pieces, i, tallLetter))
                 takeOut(pieces[i].blobs, map, line);
         }
     }

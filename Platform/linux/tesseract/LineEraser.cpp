@@ -7,8 +7,10 @@ constexpr std::uint8_t faintestRule = 250;
 constexpr int maxThickness = 3;
 constexpr int minLengthAcross = 50;
 constexpr int minLengthDown = 30;
-// A run through touching letters is mostly thicker than a rule.
+// A run through touching letters is thicker than a rule nearly everywhere; one that strikes letters out is
+// thin between and within them.
 constexpr double minThinShare = 0.6;
+constexpr double minThinShareAcross = 0.3;
 
 // For each pixel the length of the run of ink down through it, 0 for paper, at most 255.
 GreyPicture thicknessDown(const GreyPicture &picture)
@@ -49,7 +51,7 @@ void markAcross(const GreyPicture &lengths, GreyPicture &erased)
             }
             const std::size_t length = x - begin;
             if (length >= minLengthAcross &&
-                static_cast<double>(thin) >= minThinShare * static_cast<double>(length)) {
+                static_cast<double>(thin) >= minThinShareAcross * static_cast<double>(length)) {
                 for (std::size_t i = begin; i < x; ++i)
                     out[i] = down[i] <= maxThickness ? 1 : 0;
             }

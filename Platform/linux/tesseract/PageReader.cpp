@@ -43,6 +43,22 @@ std::vector<TextLine> linesWithoutWords(const TextBlock &block, const Lines &rea
     return missed;
 }
 
+// What is left of the round corners of a hardly visible frame.
+bool isFaintRemnant(const GreyPicture &normalized, const TextBlock &block)
+{
+    constexpr std::size_t maxBlobs = 3;
+    constexpr std::uint8_t faintest = 215;
+    if (block.blobs.size() > maxBlobs)
+        return false;
+    for (int y = block.box.top; y < block.box.bottom(); ++y) {
+        const auto row = normalized.row(y).subspan(static_cast<std::size_t>(block.box.left),
+                                                   static_cast<std::size_t>(block.box.width));
+        if (std::any_of(row.begin(), row.end(), [](std::uint8_t value) { return value < faintest; }))
+            return false;
+    }
+    return true;
+}
+
 // One picture on its way through the stages.
 class PageRun {
 public:
@@ -99,6 +115,8 @@ private:
         for (const TextBlock &block : blocks) {
             if (isExpired())
                 return std::nullopt;
+            if (isFaintRemnant(normalized, block))
+                continue;
             auto read = readBlock(normalized, map, block);
             if (!read)
                 return std::nullopt;
