@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QFontMetrics>
 #include <QPainterPath>
+#include <cmath>
 
 namespace {
 
@@ -231,7 +232,7 @@ Sample code(QRandomGenerator &random, bool wide, const Theme &theme)
     SamplePage page(random, QSize(640, 260), theme.paper);
     const int pixels = page.between(12, 15);
     const QFont font = monoFont(random, pixels, wide);
-    const int advance = QFontMetrics(font).horizontalAdvance(u'x');
+    const double advance = QFontMetricsF(font).horizontalAdvance(u'x');
     const int step = pixels * page.between(12, 16) / 10;
     const bool numbered = page.chance(30);
     int number = page.between(1, 80);
@@ -239,10 +240,10 @@ Sample code(QRandomGenerator &random, bool wide, const Theme &theme)
     for (int y = 8; y + step < 260; y += step) {
         if (numbered)
             page.text({8, y}, QString::number(number++), font, QColor("#858585"));
-        int x = (numbered ? 8 + 5 * advance : 10) + page.below(4) * 4 * advance;
+        double x = (numbered ? 8 + 5 * advance : 10) + page.below(4) * 4 * advance;
         for (const QString &token : page.any(codeLines).split(u' ')) {
-            page.text({x, y}, token, font, colours[page.below(5)]);
-            x += (static_cast<int>(token.size()) + 1) * advance;
+            page.text({static_cast<int>(std::lround(x)), y}, token, font, colours[page.below(5)]);
+            x += static_cast<double>(token.size() + 1) * advance;
         }
     }
     return page.finished({});

@@ -54,7 +54,7 @@ BlobMap findBlobs(const GreyPicture &picture)
         const PixelBox box{run.begin, run.y, run.end - run.begin, 1};
         std::uint32_t &number = numbers[sets.root(i)];
         if (number == 0) {
-            map.blobs.push_back({box, 0, false});
+            map.blobs.push_back({box, 0, true});
             number = static_cast<std::uint32_t>(map.blobs.size());
         }
         Blob &blob = map.blobs[number - 1];

@@ -5,8 +5,8 @@
 // A connected piece of ink: a letter, a dot, an accent, several letters that touch, an icon.
 struct Blob {
     PixelBox box;
-    int area = 0;         // pixels of ink
-    bool isFrame = false; // a part of a frame (LineEraser.h), not of text
+    int area = 0;       // pixels of ink
+    bool isText = true; // until it is found to be a part of a frame or an icon
 };
 
 struct BlobMap {

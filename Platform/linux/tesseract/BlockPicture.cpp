@@ -1,5 +1,7 @@
 #include "Platform/linux/tesseract/BlockPicture.h"
 
+#include <array>
+
 namespace {
 
 constexpr int paperBorder = 10;
@@ -25,6 +27,27 @@ void doubleRow(std::span<const std::uint8_t> from, std::span<std::uint8_t> to)
         to[2 * x] = static_cast<std::uint8_t>((here + from[x == 0 ? 0 : x - 1]) / 4);
         to[2 * x + 1] = static_cast<std::uint8_t>((here + from[std::min(last, x + 1)]) / 4);
     }
+}
+
+// Makes the darkest ink black: text of little contrast would otherwise be read worse.
+void stretchContrast(GreyPicture &picture)
+{
+    std::array<std::size_t, 256> counts{};
+    std::size_t ink = 0;
+    for (const std::uint8_t value : picture.pixels) {
+        ++counts[value];
+        ink += value < inkLimit ? 1U : 0U;
+    }
+    std::size_t darker = 0;
+    unsigned darkest = 0;
+    while (darkest < inkLimit && (darker += counts[darkest]) * 10 < ink)
+        ++darkest;
+    std::array<std::uint8_t, 256> stretched{};
+    for (unsigned value = 0; value < stretched.size(); ++value)
+        stretched[value] = static_cast<std::uint8_t>(
+            value <= darkest ? 0 : (value - darkest) * 255 / std::max(1U, 255 - darkest));
+    for (std::uint8_t &value : picture.pixels)
+        value = stretched[value];
 }
 
 } // namespace
@@ -65,6 +88,7 @@ BlockPicture cutBlock(const GreyPicture &normalized, const BlobMap &map, const T
             }
         }
     }
+    stretchContrast(own);
     cut.scale = block.letterHeight >= largeLetters ? 1 : 2;
     cut.border = paperBorder;
     cut.picture = framed(cut.scale == 2 ? doubled(own) : own, cut.border);

@@ -2,11 +2,15 @@
 
 namespace {
 
+// Rules are often fainter than text can be; left alone, the corners of their frames stay.
+constexpr std::uint8_t faintestRule = 250;
 constexpr int maxThickness = 3;
 constexpr int minLengthAcross = 50;
 constexpr int minLengthDown = 30;
-// A run through touching letters is mostly thicker than a rule.
+// A run through touching letters is thicker than a rule nearly everywhere; one that strikes letters out is
+// thin between and within them.
 constexpr double minThinShare = 0.6;
+constexpr double minThinShareAcross = 0.3;
 
 // For each pixel the length of the run of ink down through it, 0 for paper, at most 255.
 GreyPicture thicknessDown(const GreyPicture &picture)
@@ -18,7 +22,7 @@ GreyPicture thicknessDown(const GreyPicture &picture)
         auto out = lengths.row(y);
         for (std::size_t x = 0; x < ink.size(); ++x) {
             const int before = y > 0 ? above[x] : 0;
-            out[x] = ink[x] < inkLimit ? static_cast<std::uint8_t>(std::min(255, before + 1)) : std::uint8_t{0};
+            out[x] = ink[x] < faintestRule ? static_cast<std::uint8_t>(std::min(255, before + 1)) : std::uint8_t{0};
         }
     }
     for (int y = picture.height - 2; y >= 0; --y) {
@@ -47,7 +51,7 @@ void markAcross(const GreyPicture &lengths, GreyPicture &erased)
             }
             const std::size_t length = x - begin;
             if (length >= minLengthAcross &&
-                static_cast<double>(thin) >= minThinShare * static_cast<double>(length)) {
+                static_cast<double>(thin) >= minThinShareAcross * static_cast<double>(length)) {
                 for (std::size_t i = begin; i < x; ++i)
                     out[i] = down[i] <= maxThickness ? 1 : 0;
             }
@@ -154,6 +158,6 @@ void findFrameParts(const GreyPicture &erased, BlobMap &map)
             continue;
         const EndsOfRules ends = endsAt(erased, blob.box);
         const bool isCrossed = (ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0);
-        blob.isFrame = !isCrossed && ends.left + ends.right + ends.above + ends.below >= 2;
+        blob.isText = isCrossed || ends.left + ends.right + ends.above + ends.below < 2;
     }
 }

@@ -24,7 +24,7 @@ using StageObserver = std::function<void(const QString &, const QImage &)>;
 // Now and then the engine leaves out a line in the middle of a column.
 std::vector<TextLine> linesWithoutWords(const TextBlock &block, const Lines &read)
 {
-    constexpr std::size_t minWords = 2;
+    constexpr std::size_t minBlobs = 4;
     std::vector<TextLine> missed;
     if (block.lines.size() < 2)
         return missed;
@@ -34,10 +34,29 @@ std::vector<TextLine> linesWithoutWords(const TextBlock &block, const Lines &rea
             return std::any_of(candidate.words.begin(), candidate.words.end(),
                                [&box](const EngineWord &word) { return box.contains(word.box.center()); });
         });
-        if (!isRead && line.words.size() >= minWords)
+        std::size_t blobs = 0;
+        for (const TextWord &word : line.words)
+            blobs += word.blobs.size();
+        if (!isRead && blobs >= minBlobs)
             missed.push_back(line);
     }
     return missed;
+}
+
+// What is left of the round corners of a hardly visible frame.
+bool isFaintRemnant(const GreyPicture &normalized, const TextBlock &block)
+{
+    constexpr std::size_t maxBlobs = 3;
+    constexpr std::uint8_t faintest = 215;
+    if (block.blobs.size() > maxBlobs)
+        return false;
+    for (int y = block.box.top; y < block.box.bottom(); ++y) {
+        const auto row = normalized.row(y).subspan(static_cast<std::size_t>(block.box.left),
+                                                   static_cast<std::size_t>(block.box.width));
+        if (std::any_of(row.begin(), row.end(), [](std::uint8_t value) { return value < faintest; }))
+            return false;
+    }
+    return true;
 }
 
 // One picture on its way through the stages.
@@ -96,6 +115,8 @@ private:
         for (const TextBlock &block : blocks) {
             if (isExpired())
                 return std::nullopt;
+            if (isFaintRemnant(normalized, block))
+                continue;
             auto read = readBlock(normalized, map, block);
             if (!read)
                 return std::nullopt;
@@ -115,9 +136,10 @@ private:
     {
         const BlockPicture cut = cutBlock(normalized, map, block);
         auto lines = engine.read(cut.picture, PictureLayout::oneBlock, isExpired);
-        for (std::size_t i = 0; lines && i < lines->size(); ++i) {
-            EngineLine &line = (*lines)[i];
-            correctSpacing(cut.picture, line);
+        if (!lines)
+            return lines;
+        correctSpacing(cut.picture, *lines);
+        for (EngineLine &line : *lines) {
             line.letterHeight = 1.3 * block.letterHeight;
             for (EngineWord &word : line.words)
                 word.box = cut.placeOf(word.box);

@@ -84,7 +84,7 @@ struct GreyPicture {
 };
 
 // Brightness below which a pixel of a normalised picture (SurfaceNormalizer.h) counts as ink.
-inline constexpr std::uint8_t inkLimit = 215;
+inline constexpr std::uint8_t inkLimit = 240;
 
 // Disjoint sets over 0 … n-1; the root of a set is its smallest member.
 class DisjointSets {

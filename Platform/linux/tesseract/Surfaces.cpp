@@ -1,5 +1,7 @@
 #include "Platform/linux/tesseract/Surfaces.h"
 
+#include "Platform/linux/tesseract/LargeLetters.h"
+
 #include <cstdlib>
 
 namespace {
@@ -24,7 +26,7 @@ bool alike(std::uint32_t a, std::uint32_t b)
 struct Run {
     int begin = 0;
     int end = 0;
-    bool hasSquare = false;
+    int square = 0; // side of the largest square of alike pixels that ends in it
 };
 
 class SurfaceFinder {
@@ -58,7 +60,7 @@ private:
             const auto at = static_cast<std::size_t>(x);
             if (x < picture.width && alike(row[at - 1], row[at]))
                 continue;
-            runs.push_back({begin, x, false});
+            runs.push_back({begin, x, 0});
             sets.add();
             begin = x;
         }
@@ -80,8 +82,8 @@ private:
                 if (y > 0 && alike(row[at], above[at]) && alike(row[at], above[at - 1]))
                     side += std::min({up, diagonal, squares[at]});
                 diagonal = up;
-                squares[at + 1] = std::min(side, minSquare);
-                run.hasSquare = run.hasSquare || side >= minSquare;
+                squares[at + 1] = side;
+                run.square = std::max(run.square, side);
             }
         }
     }
@@ -109,24 +111,41 @@ private:
         }
     }
 
+    // What is known of each region, at the index of its root.
+    std::vector<Region> regions(const std::vector<std::uint32_t> &rowStarts)
+    {
+        std::vector<Region> found(runs.size());
+        for (int y = 0; y < picture.height; ++y) {
+            for (std::uint32_t i = rowStarts[static_cast<std::size_t>(y)];
+                 i < rowStarts[static_cast<std::size_t>(y) + 1]; ++i) {
+                const Run &run = runs[i];
+                Region &region = found[sets.root(i)];
+                const PixelBox box{run.begin, y, run.end - run.begin, 1};
+                if (region.area == 0) {
+                    region.box = box;
+                    region.colour = picture.row(y)[static_cast<std::size_t>(run.begin)];
+                }
+                region.box = region.box.united(box);
+                region.area += static_cast<std::size_t>(box.width);
+                region.square = std::max(region.square, run.square);
+            }
+        }
+        for (Region &region : found)
+            region.isSurface = region.square >= minSquare && region.area >= minArea;
+        return found;
+    }
+
     Surfaces mark(const std::vector<std::uint32_t> &rowStarts)
     {
-        std::vector<std::size_t> areas(runs.size(), 0);
-        std::vector<bool> hasSquare(runs.size(), false);
-        for (std::uint32_t i = 0; i < runs.size(); ++i) {
-            const std::uint32_t root = sets.root(i);
-            areas[root] += static_cast<std::size_t>(runs[i].end - runs[i].begin);
-            if (runs[i].hasSquare)
-                hasSquare[root] = true;
-        }
+        std::vector<Region> found = regions(rowStarts);
+        excludeLargeLetters(found);
         Surfaces result{GreyPicture(picture.width, picture.height, 0), 0};
         std::size_t total = 0;
         for (int y = 0; y < picture.height; ++y) {
             auto row = result.marks.row(y);
             for (std::uint32_t i = rowStarts[static_cast<std::size_t>(y)];
                  i < rowStarts[static_cast<std::size_t>(y) + 1]; ++i) {
-                const std::uint32_t root = sets.root(i);
-                if (!hasSquare[root] || areas[root] < minArea)
+                if (!found[sets.root(i)].isSurface)
                     continue;
                 std::fill(row.begin() + runs[i].begin, row.begin() + runs[i].end, std::uint8_t{1});
                 total += static_cast<std::size_t>(runs[i].end - runs[i].begin);

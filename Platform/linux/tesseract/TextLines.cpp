@@ -21,7 +21,7 @@ constexpr double tallShare = 0.75;
 bool canBeLetter(const Blob &blob)
 {
     const PixelBox &box = blob.box;
-    return !blob.isFrame && box.height >= minLetterHeight && box.height <= maxLetterHeight &&
+    return blob.isText && box.height >= minLetterHeight && box.height <= maxLetterHeight &&
            box.width <= maxLetterAspect * box.height && box.height <= maxLetterAspect * box.width;
 }
 
@@ -110,8 +110,14 @@ std::vector<TextWord> findWords(const BlobMap &map, const std::vector<std::uint3
     return words;
 }
 
-// Joins the lines that stand near each other. Words without tall letters would reach less far than their
-// neighbours, so what is about as high as an x reaches as far as an X.
+// Words without tall letters would reach less far than their neighbours, so what is about as high as an x
+// reaches as far as an X.
+int reachingHeight(int height, int tallLetter)
+{
+    return 2 * height >= tallLetter ? std::max(height, tallLetter) : height;
+}
+
+// Joins the lines that stand near each other.
 std::vector<TextLine> joinedLines(std::vector<TextLine> pieces, int tallLetter)
 {
     std::vector<PixelBox> boxes;
@@ -119,9 +125,7 @@ std::vector<TextLine> joinedLines(std::vector<TextLine> pieces, int tallLetter)
     for (const TextLine &piece : pieces)
         boxes.push_back(piece.box);
     const auto groups = joinNeighbours(boxes, [tallLetter](const PixelBox &a, const PixelBox &b) {
-        const int height = gapHeight(a, b);
-        const bool isUsual = 2 * height >= tallLetter && height < tallLetter;
-        return lineGap * (isUsual ? tallLetter : height);
+        return lineGap * reachingHeight(gapHeight(a, b), tallLetter);
     });
     std::vector<TextLine> lines;
     for (const auto &group : groups) {
@@ -176,7 +180,7 @@ std::vector<SmallPart> freeParts(const BlobMap &map, const std::vector<TextLine>
     const BoxIndex index(boxes);
     std::vector<SmallPart> parts;
     for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
-        if (!taken[i] && !map.blobs[i].isFrame && !isBarOfMenu(boxes[i], boxes, index))
+        if (!taken[i] && map.blobs[i].isText && !isBarOfMenu(boxes[i], boxes, index))
             parts.push_back({boxes[i], {i}, false});
     }
     return parts;
@@ -195,19 +199,53 @@ void takeApartSmallLines(std::vector<TextLine> &lines, std::vector<SmallPart> &p
     lines = std::move(kept);
 }
 
-// How far a small part is from a line, absent when too far to be its own.
-double distanceToLine(const PixelBox &part, const TextLine &line)
+// How far a small part is from a line, infinite when too far to be its own. `reach` is how far the line
+// reaches to its sides.
+double distanceToLine(const PixelBox &part, const PixelBox &line, double reach)
 {
-    constexpr double none = std::numeric_limits<double>::infinity();
-    const PixelBox &box = line.box;
-    if (2 * part.height > box.height + 4)
-        return none;
-    const double across = std::max({0, part.left - box.right(), box.left - part.right()});
-    const double over = std::max(0, box.top - part.top);
-    const double under = std::max(0, part.bottom() - box.bottom());
-    if (across > lineGap * box.height || over > 0.7 * box.height || under > 0.5 * box.height)
-        return none;
+    const double across = std::max({0, part.left - line.right(), line.left - part.right()});
+    const double over = std::max(0, line.top - part.top);
+    const double under = std::max(0, part.bottom() - line.bottom());
+    const bool isSmall = 2 * part.height <= line.height + 4;
+    if (!isSmall || across > reach || over > 0.7 * line.height || under > 0.5 * line.height)
+        return std::numeric_limits<double>::infinity();
     return across + 2 * (over + under);
+}
+
+// Gives each part to the nearest line; the others are left.
+void attachOnce(std::vector<SmallPart> &parts, std::vector<TextLine> &lines, int tallLetter)
+{
+    std::vector<PixelBox> zones;
+    for (const TextLine &line : lines) {
+        const int reach = static_cast<int>(lineGap * reachingHeight(line.box.height, tallLetter)) + 1;
+        const PixelBox &box = line.box;
+        zones.push_back({box.left - reach, box.top - box.height, box.width + 2 * reach, 3 * box.height});
+    }
+    const BoxIndex index(zones);
+    std::vector<SmallPart> left;
+    for (SmallPart &part : parts) {
+        double nearest = std::numeric_limits<double>::infinity();
+        std::size_t host = 0;
+        index.forEachTouching(part.box, [&](std::uint32_t line) {
+            const PixelBox &box = lines[line].box;
+            const double distance =
+                distanceToLine(part.box, box, lineGap * reachingHeight(box.height, tallLetter));
+            if (distance < nearest) {
+                nearest = distance;
+                host = line;
+            }
+        });
+        if (std::isinf(nearest)) {
+            left.push_back(std::move(part));
+            continue;
+        }
+        lines[host].words.push_back({part.box, part.blobs});
+        // Accents and commas make it no higher for what comes after them.
+        const PixelBox &box = lines[host].box;
+        const PixelBox wider = box.united({part.box.left, box.top, part.box.width, box.height});
+        lines[host].box = wider;
+    }
+    parts = std::move(left);
 }
 
 } // namespace
@@ -242,33 +280,24 @@ std::vector<TextLine> findLines(const BlobMap &map)
 
 void attachSmallParts(const BlobMap &map, std::vector<TextLine> &lines)
 {
+    const int tallLetter = letterHeight(map.blobs, tallShare);
     std::vector<SmallPart> parts = freeParts(map, lines);
     takeApartSmallLines(lines, parts);
-    std::vector<PixelBox> boxes;
-    for (const TextLine &line : lines) {
-        const PixelBox &box = line.box;
-        const int reach = static_cast<int>(lineGap * box.height) + 1;
-        boxes.push_back({box.left - reach, box.top - box.height, box.width + 2 * reach, 3 * box.height});
-    }
-    const BoxIndex index(boxes);
-    for (const SmallPart &part : parts) {
-        double nearest = std::numeric_limits<double>::infinity();
-        std::size_t host = 0;
-        index.forEachTouching(part.box, [&](std::uint32_t line) {
-            const double distance = distanceToLine(part.box, lines[line]);
-            if (distance < nearest) {
-                nearest = distance;
-                host = line;
-            }
-        });
-        if (!std::isinf(nearest))
-            lines[host].words.push_back({part.box, part.blobs});
-        else if (part.wasLine)
+    attachOnce(parts, lines, tallLetter);
+    // Short words are hosts too, but what is as small as a comma looks for a taller neighbour first.
+    for (SmallPart &part : parts) {
+        if (part.wasLine)
             lines.push_back({part.box, {{part.box, part.blobs}}});
     }
+    std::erase_if(parts, [](const SmallPart &part) { return part.wasLine; });
+    std::size_t before = 0;
+    do {
+        before = parts.size();
+        attachOnce(parts, lines, tallLetter);
+    } while (parts.size() < before);
     for (TextLine &line : lines) {
         for (const TextWord &word : line.words)
             line.box = line.box.united(word.box);
     }
-    lines = joinedLines(std::move(lines), letterHeight(map.blobs, tallShare));
+    lines = joinedLines(std::move(lines), tallLetter);
 }

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
+#include <optional>
+#include <utility>
 
 namespace {
 
-constexpr std::uint8_t clearInk = 170; // leaves out the soft edges that enlarging makes wider
-constexpr std::size_t minBlanks = 2;   // to know how wide one is in this line
-constexpr double surelyNone = 0.55;    // of the usual blank: no blank
-constexpr double surelyBlank = 0.8;    // of the usual blank: a blank, whatever the engine says
+constexpr std::uint8_t clearInk = 205; // leaves out most of the soft edges that enlarging makes wider
+constexpr double minBlank = 0.86;      // of the letters' distance; a colon has 0.8 beside it
 
 struct Gap {
     double left = 0;
@@ -37,21 +38,20 @@ public:
         }
     }
 
-    // The widest white between two places, of width 0 when there is none.
-    [[nodiscard]] Gap widestGap(double from, double to) const
+    // The white between the letters, from left to right.
+    [[nodiscard]] std::vector<Gap> gaps() const
     {
-        Gap widest;
+        std::vector<Gap> found;
         std::size_t begin = 0;
         for (std::size_t x = 0; x <= lowest.size(); ++x) {
             if (x < lowest.size() && lowest[x] == 0)
                 continue;
-            const Gap gap{static_cast<double>(left) + static_cast<double>(begin),
-                          static_cast<double>(left) + static_cast<double>(x)};
-            if (gap.width() > widest.width() && gap.centre() > from && gap.centre() < to)
-                widest = gap;
+            if (x > begin && begin > 0 && x < lowest.size())
+                found.push_back({static_cast<double>(left) + static_cast<double>(begin),
+                                 static_cast<double>(left) + static_cast<double>(x)});
             begin = x + 1;
         }
-        return widest;
+        return found;
     }
 
     // Whether most columns between two places have ink below that row only.
@@ -72,21 +72,101 @@ private:
     std::vector<int> highest; // row of its highest ink
 };
 
-double usualBlank(const EngineLine &line, const LineProfile &profile)
+// Symbols of a line in one row, with the word each is in.
+struct Placed {
+    const EngineWord *word;
+    const EngineSymbol *symbol;
+    bool beginsWord;
+};
+
+std::vector<Placed> placedSymbols(const EngineLine &line)
 {
-    std::vector<double> widths;
-    for (std::size_t i = 1; i < line.words.size(); ++i) {
-        const auto &before = line.words[i - 1].symbols;
-        const auto &after = line.words[i].symbols;
-        const double width = profile.widestGap(before.back().centre(), after.front().centre()).width();
-        if (width > 0)
-            widths.push_back(width);
+    std::vector<Placed> placed;
+    for (const EngineWord &word : line.words) {
+        for (const EngineSymbol &symbol : word.symbols)
+            placed.push_back({&word, &symbol, &symbol == &word.symbols.front()});
     }
-    if (widths.size() < minBlanks)
-        return 0;
-    const auto middle = widths.begin() + static_cast<std::ptrdiff_t>(widths.size() / 2);
-    std::nth_element(widths.begin(), middle, widths.end());
-    return *middle;
+    return placed;
+}
+
+// For each symbol but the first the gap before it, of width 0 where there is none. The engine's places are
+// rough: a gap belongs to the blank of the engine that is next to it, and only else to the nearest symbol.
+std::vector<Gap> gapsBefore(const std::vector<Placed> &placed, std::vector<Gap> gaps, double reach)
+{
+    std::vector<Gap> result(placed.size());
+    const auto between = [&placed](std::size_t i) {
+        return (placed[i - 1].symbol->right + placed[i].symbol->left) / 2;
+    };
+    for (std::size_t i = 1; i < placed.size(); ++i) {
+        if (!placed[i].beginsWord)
+            continue;
+        auto widest = gaps.end();
+        for (auto gap = gaps.begin(); gap != gaps.end(); ++gap) {
+            const bool isNear = gap->right > between(i) - reach && gap->left < between(i) + reach;
+            if (isNear && (widest == gaps.end() || gap->width() > widest->width()))
+                widest = gap;
+        }
+        if (widest == gaps.end())
+            continue;
+        result[i] = *widest;
+        gaps.erase(widest);
+    }
+    for (const Gap &gap : gaps) {
+        std::size_t nearest = 0;
+        for (std::size_t i = 1; i < placed.size(); ++i) {
+            if (nearest == 0 || std::abs(between(i) - gap.centre()) < std::abs(between(nearest) - gap.centre()))
+                nearest = i;
+        }
+        if (nearest > 0 && !placed[nearest].beginsWord && gap.width() > result[nearest].width())
+            result[nearest] = gap;
+    }
+    return result;
+}
+
+// A line of the engine with what its picture shows.
+struct MeasuredLine {
+    EngineLine *line;
+    LineProfile profile;
+    std::vector<Gap> gaps;
+};
+
+// How far apart the letters of a typewriter font are: absent for other fonts. The middles of the letters then
+// stand at equal distances; small hinted letters of other fonts come near that, so the agreement has to be
+// good over many letters.
+std::optional<double> pitchOf(const std::vector<MeasuredLine> &lines)
+{
+    constexpr std::size_t minLetters = 24;
+    constexpr double minAgreement = 0.86;
+    std::size_t letters = 0;
+    double height = 0;
+    for (const MeasuredLine &measured : lines) {
+        letters += measured.gaps.size();
+        height = std::max(height, measured.line->box.height());
+    }
+    if (letters < minLetters)
+        return std::nullopt;
+    double best = 0;
+    double agreement = minAgreement;
+    for (double pitch = 0.45 * height; pitch < height; pitch *= 1.003) {
+        double total = 0;
+        for (const MeasuredLine &measured : lines) {
+            double cosine = 0;
+            double sine = 0;
+            for (std::size_t i = 1; i < measured.gaps.size(); ++i) {
+                const double turn =
+                    std::numbers::pi * (measured.gaps[i - 1].right + measured.gaps[i].left) / pitch;
+                cosine += std::cos(turn);
+                sine += std::sin(turn);
+            }
+            total += std::hypot(cosine, sine);
+        }
+        const double share = total / static_cast<double>(letters - lines.size());
+        if (share > agreement) {
+            agreement = share;
+            best = pitch;
+        }
+    }
+    return best > 0 ? std::optional(best) : std::nullopt;
 }
 
 // Builds the words of a line anew, symbol by symbol.
@@ -120,59 +200,52 @@ private:
     EngineWord current;
 };
 
-// The symbols of a line with the word each is in.
-struct Placed {
-    const EngineWord *word;
-    const EngineSymbol *symbol;
-    bool beginsWord;
-};
-
-std::vector<Placed> placedSymbols(const EngineLine &line)
+// Sets blanks where the letters are at least so far apart and nowhere else.
+void setBlanks(MeasuredLine &measured, double narrowest)
 {
-    std::vector<Placed> placed;
-    for (const EngineWord &word : line.words) {
-        for (const EngineSymbol &symbol : word.symbols)
-            placed.push_back({&word, &symbol, &symbol == &word.symbols.front()});
-    }
-    return placed;
-}
-
-} // namespace
-
-void correctSpacing(const GreyPicture &picture, EngineLine &line)
-{
-    for (const EngineWord &word : line.words) {
-        if (word.symbols.empty())
-            return;
-    }
-    const LineProfile profile(picture, line.box);
-    const double blank = usualBlank(line, profile);
-    if (blank <= 0)
-        return;
-    WordBuilder builder;
+    EngineLine &line = *measured.line;
     const std::vector<Placed> placed = placedSymbols(line);
-    for (std::size_t i = 0; i < placed.size(); ++i) {
+    const std::vector<Gap> before = gapsBefore(placed, measured.gaps, 0.35 * line.box.height());
+    WordBuilder builder;
+    builder.begin(line.words.front(), line.words.front().box.left());
+    builder.add(line.words.front(), *placed.front().symbol);
+    for (std::size_t i = 1; i < placed.size(); ++i) {
         const Placed &now = placed[i];
-        if (i == 0) {
-            builder.begin(*now.word, now.word->box.left());
-            builder.add(*now.word, *now.symbol);
-            continue;
-        }
-        const Placed &before = placed[i - 1];
-        const Gap gap = profile.widestGap(before.symbol->centre(), now.symbol->centre());
-        const bool isUnderscore =
-            now.beginsWord && gap.width() < surelyNone * blank &&
-            profile.isUnderscored(before.word->box.right(), now.word->box.left(),
-                                  line.box.bottom() - 0.3 * line.box.height());
-        if (isUnderscore)
-            builder.add(*now.word, {QStringLiteral("_"), before.symbol->right, now.symbol->left});
-        else if (gap.width() >= (now.beginsWord ? surelyNone : surelyBlank) * blank) {
-            builder.endAt(gap.left);
-            builder.begin(*now.word, gap.right);
+        const Placed &last = placed[i - 1];
+        if (before[i].width() >= narrowest) {
+            builder.endAt(before[i].left);
+            builder.begin(*now.word, before[i].right);
+        } else if (now.beginsWord && last.symbol->text != u'_' && now.symbol->text != u'_' &&
+                   measured.profile.isUnderscored(last.word->box.right(), now.word->box.left(),
+                                                  line.box.bottom() - 0.3 * line.box.height())) {
+            builder.add(*now.word, {QStringLiteral("_"), last.symbol->right, now.symbol->left});
         }
         builder.add(*now.word, *now.symbol);
     }
     builder.endAt(line.words.back().box.right());
     builder.finish();
     line.words = std::move(builder.words);
+}
+
+} // namespace
+
+void correctSpacing(const GreyPicture &picture, std::vector<EngineLine> &lines)
+{
+    std::vector<MeasuredLine> measured;
+    for (EngineLine &line : lines) {
+        const bool isComplete = !line.words.empty() &&
+                                std::none_of(line.words.begin(), line.words.end(),
+                                             [](const EngineWord &word) { return word.symbols.empty(); });
+        if (!isComplete)
+            continue;
+        LineProfile profile(picture, line.box);
+        std::vector<Gap> gaps = profile.gaps();
+        if (!gaps.empty())
+            measured.push_back({&line, std::move(profile), std::move(gaps)});
+    }
+    const auto pitch = pitchOf(measured);
+    if (!pitch)
+        return;
+    for (MeasuredLine &line : measured)
+        setBlanks(line, minBlank * *pitch);
 }
