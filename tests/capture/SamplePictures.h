@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <libheif/heif.h>
 #include <memory>
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
 
 // Image files that take more than an encoder of the toolkit to make.
 
@@ -33,6 +36,9 @@ inline const QByteArray pngBomb("\x89PNG\r\n\x1A\n"
 // A HEIC file that is to be turned as an EXIF orientation says. Empty where it cannot be made.
 inline QByteArray heicOf(const QImage &image, int orientation)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    const __lsan::ScopedDisabler encoderKeepsSomeMemoryForever;
+#endif
     const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
     const std::unique_ptr<heif_context, void (*)(heif_context *)> context(heif_context_alloc(),
                                                                           heif_context_free);
