@@ -6,14 +6,14 @@ QString inReadingOrder(const std::vector<RecognizedFragment> &fragments, QSize p
 {
     std::vector<RecognizedFragment> trusted;
     for (RecognizedFragment fragment : fragments) {
-        fragment.box = QRectF(fragment.box.x() * picture.width(), fragment.box.y() * picture.height(),
-                              fragment.box.width() * picture.width(), fragment.box.height() * picture.height());
+        fragment.box =
+            QRectF(fragment.box.x() * picture.width(), fragment.box.y() * picture.height(),
+                   fragment.box.width() * picture.width(), fragment.box.height() * picture.height());
         if (fragment.confidence >= 0.3F)
             trusted.push_back(fragment);
     }
-    std::stable_sort(trusted.begin(), trusted.end(), [](const auto &a, const auto &b) {
-        return a.box.center().y() > b.box.center().y();
-    });
+    std::stable_sort(trusted.begin(), trusted.end(),
+                     [](const auto &a, const auto &b) { return a.box.center().y() > b.box.center().y(); });
     QString text;
     for (auto line = trusted.begin(); line != trusted.end();) {
         const QRectF first = line->box;
@@ -21,7 +21,8 @@ QString inReadingOrder(const std::vector<RecognizedFragment> &fragments, QSize p
             const double y = fragment.box.center().y();
             return y < first.top() || y > first.bottom();
         });
-        std::stable_sort(line, next, [](const auto &a, const auto &b) { return a.box.left() < b.box.left(); });
+        std::stable_sort(line, next,
+                         [](const auto &a, const auto &b) { return a.box.left() < b.box.left(); });
         for (; line != next; ++line)
             text += line->text + u' ';
     }

@@ -93,7 +93,8 @@ Reading readByCommand(const QString &file)
 void keep(const QDir &folder, const QString &name, const Sample &sample, const QString &read)
 {
     sample.image.save(folder.filePath(name + QStringLiteral(".png")));
-    for (const auto &[ending, text] : {std::pair{QStringLiteral(".txt"), sample.truth}, {QStringLiteral(".read"), read}}) {
+    for (const auto &[ending, text] :
+         {std::pair{QStringLiteral(".txt"), sample.truth}, {QStringLiteral(".read"), read}}) {
         QFile file(folder.filePath(name + ending));
         if (file.open(QIODevice::WriteOnly))
             file.write(text.toUtf8() + '\n');
@@ -102,7 +103,8 @@ void keep(const QDir &folder, const QString &name, const Sample &sample, const Q
 
 class Bench {
 public:
-    Bench(PageReader &pageReader, const QCommandLineParser &arguments) : reader(pageReader), options(arguments)
+    Bench(PageReader &pageReader, const QCommandLineParser &arguments)
+        : reader(pageReader), options(arguments)
     {
         if (options.isSet(QStringLiteral("keep")))
             QDir(options.value(QStringLiteral("keep"))).mkpath(QStringLiteral("."));
@@ -114,10 +116,12 @@ public:
         Tally &tally = tallies[kind];
         const QString truth = comparable(sample.truth);
         const Reading here = readHere(reader, sample.image);
-        const QString name = QString(kind).replace(u' ', u'-') + QStringLiteral("-%1").arg(tally.pictures, 2, 10, QChar(u'0'));
+        const QString name =
+            QString(kind).replace(u' ', u'-') + QStringLiteral("-%1").arg(tally.pictures, 2, 10, QChar(u'0'));
         Tally one{1, truth.size(), editDistance(comparable(here.text), truth), 0, here.seconds, 0};
         if (options.isSet(QStringLiteral("keep")))
-            keep(QDir(options.value(QStringLiteral("keep"))), QStringLiteral("%1-e%2").arg(name).arg(one.errors), sample, here.text);
+            keep(QDir(options.value(QStringLiteral("keep"))),
+                 QStringLiteral("%1-e%2").arg(name).arg(one.errors), sample, here.text);
         if (!options.isSet(QStringLiteral("no-command"))) {
             const QString file = scratch.filePath(QStringLiteral("sample.png"));
             sample.image.save(file);
@@ -130,7 +134,8 @@ public:
 
     void print(const QStringList &order) const
     {
-        std::printf("%-20s %4s %7s %7s %7s %7s %6s\n", "class", "n", "chars", "command", "ours", "CPU s", "ratio");
+        std::printf("%-20s %4s %7s %7s %7s %7s %6s\n", "class", "n", "chars", "command", "ours", "CPU s",
+                    "ratio");
         Tally all;
         for (const QString &kind : order) {
             if (!tallies.contains(kind))
@@ -183,7 +188,8 @@ void measureDrawn(Bench &bench, const QCommandLineParser &options, QStringList &
 
 void measureFolder(Bench &bench, const QDir &folder, QStringList &order)
 {
-    for (const QString &file : folder.entryList({QStringLiteral("*.png"), QStringLiteral("*.jpg")}, QDir::Files, QDir::Name)) {
+    for (const QString &file :
+         folder.entryList({QStringLiteral("*.png"), QStringLiteral("*.jpg")}, QDir::Files, QDir::Name)) {
         QFile truth(folder.filePath(file.chopped(4) + QStringLiteral(".txt")));
         if (!truth.open(QIODevice::ReadOnly))
             continue;

@@ -14,7 +14,7 @@ class TessBaseAPI;
 
 // What the engine is told about the picture it gets.
 enum class PictureLayout {
-    page,    // find columns and lines yourself
+    page,     // find columns and lines yourself
     oneBlock, // one column of lines
     oneLine
 };

@@ -25,7 +25,9 @@ public:
     LineProfile(const GreyPicture &picture, const QRectF &box)
         : left(std::clamp(static_cast<int>(box.left()), 0, picture.width)),
           bottom(std::clamp(static_cast<int>(box.bottom()), 0, picture.height)),
-          lowest(static_cast<std::size_t>(std::clamp(static_cast<int>(box.right()) + 1, left, picture.width) - left), 0),
+          lowest(static_cast<std::size_t>(std::clamp(static_cast<int>(box.right()) + 1, left, picture.width) -
+                                          left),
+                 0),
           highest(lowest.size(), picture.height)
     {
         for (int y = std::clamp(static_cast<int>(box.top()), 0, bottom); y < bottom; ++y) {
@@ -115,7 +117,8 @@ std::vector<Gap> gapsBefore(const std::vector<Placed> &placed, std::vector<Gap> 
     for (const Gap &gap : gaps) {
         std::size_t nearest = 0;
         for (std::size_t i = 1; i < placed.size(); ++i) {
-            if (nearest == 0 || std::abs(between(i) - gap.centre()) < std::abs(between(nearest) - gap.centre()))
+            if (nearest == 0 ||
+                std::abs(between(i) - gap.centre()) < std::abs(between(nearest) - gap.centre()))
                 nearest = i;
         }
         if (nearest > 0 && !placed[nearest].beginsWord && gap.width() > result[nearest].width())
@@ -133,8 +136,9 @@ struct MeasuredLine {
 
 bool hasEmptySymbol(const EngineWord &word)
 {
-    return word.symbols.empty() || std::any_of(word.symbols.begin(), word.symbols.end(),
-                                               [](const EngineSymbol &symbol) { return symbol.text.isEmpty(); });
+    return word.symbols.empty() ||
+           std::any_of(word.symbols.begin(), word.symbols.end(),
+                       [](const EngineSymbol &symbol) { return symbol.text.isEmpty(); });
 }
 
 // How far apart the letters of a typewriter font are: absent for other fonts. The middles of the letters then
@@ -191,8 +195,8 @@ public:
         current.certainty = (current.certainty * length + from.certainty) / (length + 1);
         current.text += symbol.text;
         current.symbols.push_back(symbol);
-        current.box = current.box.united(QRectF(current.box.left(), from.box.top(), symbol.right - current.box.left(),
-                                                from.box.height()));
+        current.box = current.box.united(
+            QRectF(current.box.left(), from.box.top(), symbol.right - current.box.left(), from.box.height()));
     }
     void endAt(double right) { current.box.setRight(std::max(current.box.left(), right)); }
     void finish()
@@ -217,15 +221,15 @@ BlankRule typewriterRule(double pitch)
 
 bool isWordCharacter(const QString &symbol)
 {
-    return !symbol.isEmpty() && (symbol.front().isLetterOrNumber() ||
-                                 symbol.front().category() == QChar::Symbol_Currency);
+    return !symbol.isEmpty() &&
+           (symbol.front().isLetterOrNumber() || symbol.front().category() == QChar::Symbol_Currency);
 }
 
 // The engine's own blanks, and those it lost: where two characters of words are much farther apart than
 // letters are in this line. Figures are not asked: a 1 has much white beside it.
 BlankRule usualRule(const MeasuredLine &measured)
 {
-    constexpr double minPart = 0.2; // of the line's height
+    constexpr double minPart = 0.2;  // of the line's height
     constexpr double minTimes = 2.5; // of the usual white between letters
     std::vector<double> widths;
     for (const Gap &gap : measured.gaps)
@@ -270,8 +274,8 @@ void setBlanks(MeasuredLine &measured, const BlankRule &isBlank)
     line.words = std::move(builder.words);
 }
 
-// Figures stand at equal distances in other fonts too, and so do letters now and then by chance: there must be
-// enough letters, and most blanks of the engine as wide as a letter.
+// Figures stand at equal distances in other fonts too, and so do letters now and then by chance: there must
+// be enough letters, and most blanks of the engine as wide as a letter.
 bool isTypewriterFont(const std::vector<MeasuredLine> &lines, double pitch)
 {
     std::size_t symbols = 0;
@@ -299,9 +303,8 @@ void correctSpacing(const GreyPicture &picture, std::vector<EngineLine> &lines)
 {
     std::vector<MeasuredLine> measured;
     for (EngineLine &line : lines) {
-        const bool isComplete = !line.words.empty() &&
-                                std::none_of(line.words.begin(), line.words.end(),
-                                             hasEmptySymbol);
+        const bool isComplete =
+            !line.words.empty() && std::none_of(line.words.begin(), line.words.end(), hasEmptySymbol);
         if (!isComplete)
             continue;
         LineProfile profile(picture, line.box);

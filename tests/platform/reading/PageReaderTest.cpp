@@ -14,7 +14,8 @@ namespace {
 const QString dataFolder = u"/usr/share/tesseract-ocr/5/tessdata"_s;
 const auto never = [] { return false; };
 
-QImage drawn(QSize size, const QColor &paper, const QColor &ink, int pixels, const QString &text, const QPoint &at)
+QImage drawn(QSize size, const QColor &paper, const QColor &ink, int pixels, const QString &text,
+             const QPoint &at)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(paper);
@@ -60,7 +61,8 @@ TEST_F(Reading, TextIsReadWhateverItsSizeAndColours)
     EXPECT_EQ(textOf(drawn(size, "#1a73e8", Qt::white, 14, two, {9, 9})), read);
     EXPECT_EQ(textOf(drawn({1000, 300}, "#fdf6e3", "#586e75", 80, two, {9, 9})), read);
     EXPECT_EQ(textOf(drawn({52, 16}, Qt::white, Qt::black, 12, u"Salva"_s, {2, 0})), u"Salva"_s);
-    QImage turned = drawn(size, Qt::transparent, Qt::black, 13, two, {9, 9}).convertToFormat(QImage::Format_ARGB32);
+    QImage turned =
+        drawn(size, Qt::transparent, Qt::black, 13, two, {9, 9}).convertToFormat(QImage::Format_ARGB32);
     turned.setAlphaChannel(drawn(size, Qt::black, Qt::white, 13, two, {9, 9}));
     EXPECT_EQ(textOf(turned), read) << "transparent paper is white";
 }
@@ -84,7 +86,8 @@ TEST_F(Reading, PicturesWithoutTextGiveNothing)
 
 TEST_F(Reading, EndsWithoutAResultOnceTheTimeIsOver)
 {
-    const QImage image = drawn({600, 400}, Qt::white, Qt::black, 14, QString(u"una riga di testo\n"_s).repeated(20), {9, 9});
+    const QImage image =
+        drawn({600, 400}, Qt::white, Qt::black, 14, QString(u"una riga di testo\n"_s).repeated(20), {9, 9});
     for (const int allowed : {0, 1, 4}) {
         int asked = 0;
         EXPECT_FALSE(reader->read(image, [&] { return ++asked > allowed; }));

@@ -115,14 +115,19 @@ TEST(LineEraser, RulesGoAndLettersThatCrossThemStay)
 
 TEST(TextBlocks, ColumnsAreFoundAndIconsAreNot)
 {
-    EXPECT_THAT(columnsOf(together({word(10, 10, 8), word(10, 28, 6)})), ElementsAre(Column{{10, 10, 62, 28}, 2}));
-    EXPECT_EQ(columnsOf(together({word(10, 10, 8), word(200, 13, 8), word(10, 28, 6), word(200, 31, 7)})).size(), 2U);
+    EXPECT_THAT(columnsOf(together({word(10, 10, 8), word(10, 28, 6)})),
+                ElementsAre(Column{{10, 10, 62, 28}, 2}));
+    EXPECT_EQ(
+        columnsOf(together({word(10, 10, 8), word(200, 13, 8), word(10, 28, 6), word(200, 31, 7)})).size(),
+        2U);
     EXPECT_EQ(columnsOf(together({word(10, 10, 8), word(10, 90, 6)})).size(), 2U) << "far below";
     // A comma, a dot above and a dash beside belong to their line.
-    EXPECT_THAT(columnsOf(together({word(10, 10, 5), {{50, 18, 2, 4}, {20, 5, 2, 2}, {60, 14, 6, 2}}, word(72, 10, 3)})),
+    EXPECT_THAT(columnsOf(together(
+                    {word(10, 10, 5), {{50, 18, 2, 4}, {20, 5, 2, 2}, {60, 14, 6, 2}}, word(72, 10, 3)})),
                 ElementsAre(Column{{10, 5, 84, 17}, 1}));
     // A filled square before the text, and a frame around it.
-    EXPECT_THAT(columnsOf(together({{{10, 6, 18, 18}}, word(40, 10, 5)})), ElementsAre(Column{{40, 10, 38, 10}, 1}));
+    EXPECT_THAT(columnsOf(together({{{10, 6, 18, 18}}, word(40, 10, 5)})),
+                ElementsAre(Column{{40, 10, 38, 10}, 1}));
     EXPECT_THAT(columnsOf({}), ElementsAre());
 }
 
@@ -147,12 +152,13 @@ TEST(ConfidenceScale, WhatIsMoreLikelyWrongStaysBelowTheCut)
         QString text;
         double certainty;
         bool passes;
-    } const cases[] = {{u"parola"_s, 96, true}, {u"parola"_s, 60, true},  {u"parola"_s, 55, false},
+    } const cases[] = {{u"parola"_s, 96, true},     {u"parola"_s, 60, true},      {u"parola"_s, 55, false},
                        {u"una parola"_s, 50, true}, {u"una parola"_s, 40, false}, {u"Q"_s, 70, false},
-                       {u"Q"_s, 90, true},      {u"=-"_s, 80, false},     {u"=-"_s, 90, true},
+                       {u"Q"_s, 90, true},          {u"=-"_s, 80, false},         {u"=-"_s, 90, true},
                        {u"parola"_s, -5, false}};
     for (const auto &one : cases)
-        EXPECT_EQ(confidenceOf(one.text, one.certainty) >= 0.3F, one.passes) << one.text.toStdString() << one.certainty;
+        EXPECT_EQ(confidenceOf(one.text, one.certainty) >= 0.3F, one.passes)
+            << one.text.toStdString() << one.certainty;
     EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100), 1);
     EXPECT_GE(confidenceOf(u"parola"_s, -5), 0);
 }
