@@ -77,7 +77,7 @@ private:
         thread = std::jthread([this, before = current] { read(before); });
     }
 
-    void read(std::shared_ptr<const ApplicationIndex> before)
+    void read(const std::shared_ptr<const ApplicationIndex> &before)
     {
         auto index = before && !before->isOutdated()
                          ? before

@@ -119,10 +119,11 @@ AtSpiObject ScriptedProgram::object(const QString &name) const
     return {connection.baseService(), QDBusObjectPath(name.startsWith(u'/') ? name : folder + name)};
 }
 
-void ScriptedProgram::set(const QString &name, const QString &interface, const QString &method, Answer answer)
+void ScriptedProgram::set(const QString &name, const QString &interface, const QString &method,
+                          const Answer &answer)
 {
     const QMutexLocker locker(&mutex);
-    answers.insert(keyOf(object(name).path.path(), interface, method), std::move(answer));
+    answers.insert(keyOf(object(name).path.path(), interface, method), answer);
 }
 
 void ScriptedProgram::set(const QString &name, const QString &interface, const QString &method,

@@ -48,7 +48,7 @@ public:
 
     [[nodiscard]] AtSpiObject object(const QString &name) const; // "program" is the root
 
-    void set(const QString &object, const QString &interface, const QString &method, Answer answer);
+    void set(const QString &object, const QString &interface, const QString &method, const Answer &answer);
     void set(const QString &object, const QString &interface, const QString &method,
              const QVariantList &answer);
     void setProperty(const QString &object, const QString &interface, const QString &name,

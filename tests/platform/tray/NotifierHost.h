@@ -31,11 +31,12 @@ public:
     [[nodiscard]] QStringList items() const; // services, one each registration
     QSemaphore release;                      // a hung watcher goes on
 
-public Q_SLOTS:
+public Q_SLOTS: // NOLINTBEGIN(readability-identifier-naming): the names are the interface's
     void RegisterStatusNotifierItem(const QString &itemService);
 
 Q_SIGNALS:
     void StatusNotifierHostRegistered();
+    // NOLINTEND(readability-identifier-naming)
 
 private:
     mutable QMutex mutex;
