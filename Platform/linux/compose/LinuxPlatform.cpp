@@ -4,6 +4,7 @@
 #include "Platform/linux/dbus/AtSpiCaret.h"
 #include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
+#include "Platform/linux/tesseract/ProcessRecognition.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
@@ -63,5 +64,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->screens = std::make_unique<X11Screens>();
     platform->statusItem = std::make_unique<TrayStatusItem>();
     platform->appearance = std::make_unique<DBusAppearance>();
+    platform->recognition = std::make_shared<ProcessRecognition>(ProcessRecognition::Settings());
     return platform;
 }
