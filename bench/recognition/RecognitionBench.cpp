@@ -7,8 +7,8 @@
 //   --keep    writes each picture, its truth and what was read into a folder
 
 #include "Platform/linux/tesseract/PageReader.h"
+#include "Vesmo/TextRecognizer.h"
 #include "bench/recognition/ErrorRate.h"
-#include "bench/recognition/ReadingOrder.h"
 #include "bench/recognition/SampleScreens.h"
 
 #include <QCommandLineParser>
@@ -59,12 +59,26 @@ double processorSeconds()
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
+// The text that the program would keep.
+QString textOf(const std::vector<RecognizedFragment> &fragments, QSize size)
+{
+    std::vector<TextRecognizer::Piece> pieces;
+    for (const RecognizedFragment &fragment : fragments) {
+        const QRectF &box = fragment.box;
+        if (fragment.confidence >= 0.3F && !fragment.text.trimmed().isEmpty())
+            pieces.push_back(
+                {fragment.text.trimmed(), QRectF(box.x() * size.width(), box.y() * size.height(),
+                                                 box.width() * size.width(), box.height() * size.height())});
+    }
+    return TextRecognizer::layout(pieces);
+}
+
 Reading readHere(PageReader &reader, const QImage &image)
 {
     const double begin = processorSeconds();
     const auto fragments = reader.read(image, [] { return false; });
     const double seconds = processorSeconds() - begin;
-    return {fragments ? inReadingOrder(*fragments, image.size()) : QStringLiteral("FAILED"), seconds};
+    return {fragments ? textOf(*fragments, image.size()) : QStringLiteral("FAILED"), seconds};
 }
 
 // The plain command, with its own start, which a single picture would cost too.
