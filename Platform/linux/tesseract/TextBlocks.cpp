@@ -3,6 +3,7 @@
 #include "Platform/linux/tesseract/BoxIndex.h"
 
 #include <optional>
+#include <utility>
 
 namespace {
 
