@@ -1,8 +1,9 @@
 // How much is read wrongly, class by class, and what it costs in processor time, beside the plain command on
 // the same pictures.
 //
-// Fonts that are not installed are drawn with others; fonts-liberation, fonts-cantarell, fonts-roboto-unhinted,
-// fonts-open-sans, fonts-lato, fonts-inter and fonts-hack make the set as varied as it was when it was measured.
+// Fonts that are not installed are drawn with others; fonts-liberation, fonts-cantarell,
+// fonts-roboto-unhinted, fonts-open-sans, fonts-lato, fonts-inter and fonts-hack make the set as varied as it
+// was when it was measured.
 //
 // RecognitionBench [--fresh SEED] [--only CLASS] [--folder FOLDER] [--keep FOLDER] [--no-command]
 //   --fresh   other texts, fonts and colours: what nothing was tuned on
