@@ -8,10 +8,30 @@ QString comparable(const QString &text)
     result.replace(QChar(0x2026), QStringLiteral("..."));
     for (QChar &c : result) {
         switch (c.unicode()) {
-        case 0x2018: case 0x2019: case 0x201a: case 0x60: case 0xb4: c = u'\''; break;
-        case 0x201c: case 0x201d: case 0x201e: case 0xab: case 0xbb: c = u'"'; break;
-        case 0x2010: case 0x2011: case 0x2012: case 0x2013: case 0x2014: case 0x2212: c = u'-'; break;
-        default: break;
+        case 0x2018:
+        case 0x2019:
+        case 0x201a:
+        case 0x60:
+        case 0xb4:
+            c = u'\'';
+            break;
+        case 0x201c:
+        case 0x201d:
+        case 0x201e:
+        case 0xab:
+        case 0xbb:
+            c = u'"';
+            break;
+        case 0x2010:
+        case 0x2011:
+        case 0x2012:
+        case 0x2013:
+        case 0x2014:
+        case 0x2212:
+            c = u'-';
+            break;
+        default:
+            break;
         }
     }
     return result.simplified();

@@ -14,7 +14,8 @@ void expose(QImage &image, QRandomGenerator &random, int noise, const Light &lig
     for (int y = 0; y < image.height(); ++y) {
         auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
-            const double factor = light(static_cast<double>(x) / image.width(), static_cast<double>(y) / image.height());
+            const double factor =
+                light(static_cast<double>(x) / image.width(), static_cast<double>(y) / image.height());
             const int grain = static_cast<int>(random.bounded(2 * noise + 1)) - noise;
             const auto seen = [&](int value) {
                 return std::clamp(static_cast<int>(value * factor) + grain, 0, 255);
@@ -110,9 +111,11 @@ QImage landscape(QRandomGenerator &random, QSize size)
     painter.setPen(Qt::NoPen);
     for (int i = 0; i < 60; ++i) {
         const double y = size.height() * (0.4 + random.bounded(0.6));
-        painter.setBrush(QColor::fromHsv(static_cast<int>(60 + random.bounded(90U)), static_cast<int>(60 + random.bounded(150U)),
+        painter.setBrush(QColor::fromHsv(static_cast<int>(60 + random.bounded(90U)),
+                                         static_cast<int>(60 + random.bounded(150U)),
                                          static_cast<int>(40 + random.bounded(180U)), 160));
-        painter.drawEllipse(QPointF(random.bounded(1.0) * size.width(), y), 10 + random.bounded(90.0), 6 + random.bounded(60.0));
+        painter.drawEllipse(QPointF(random.bounded(1.0) * size.width(), y), 10 + random.bounded(90.0),
+                            6 + random.bounded(60.0));
     }
     painter.end();
     expose(image, random, 6, [](double, double) { return 1.0; });
@@ -134,7 +137,8 @@ Sample noise(QRandomGenerator &random, bool)
 
 Sample blank(QRandomGenerator &random, bool)
 {
-    QImage image(static_cast<int>(1 + random.bounded(900U)), static_cast<int>(1 + random.bounded(600U)), QImage::Format_RGB32);
+    QImage image(static_cast<int>(1 + random.bounded(900U)), static_cast<int>(1 + random.bounded(600U)),
+                 QImage::Format_RGB32);
     image.fill(QColor::fromRgb(random.generate()));
     return {{}, image, {}};
 }

@@ -65,6 +65,7 @@ QFont monoFont(QRandomGenerator &random, int pixels, bool wide)
 {
     QStringList families{QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Liberation Mono")};
     if (wide)
-        families << QStringLiteral("Hack") << QStringLiteral("Noto Sans Mono") << QStringLiteral("Nimbus Mono PS");
+        families << QStringLiteral("Hack") << QStringLiteral("Noto Sans Mono")
+                 << QStringLiteral("Nimbus Mono PS");
     return fontOf(random, families, pixels);
 }

@@ -137,12 +137,13 @@ Sample table(QRandomGenerator &random, bool wide)
         const int y = 10 + row * rowHeight;
         if (zebra && row % 2 == 1)
             page.paint().fillRect(QRect(6, y, 704, rowHeight), theme.faint);
-        const QString cells[] = {page.any(names), page.any(places), QString::number(page.below(5000)),
-                                 QStringLiteral("€ %1,%2").arg(page.below(900)).arg(page.between(10, 99)),
-                                 QStringLiteral("%1/%2/2026").arg(page.between(1, 28)).arg(page.between(1, 12))};
+        const QString cells[] = {
+            page.any(names), page.any(places), QString::number(page.below(5000)),
+            QStringLiteral("€ %1,%2").arg(page.below(900)).arg(page.between(10, 99)),
+            QStringLiteral("%1/%2/2026").arg(page.between(1, 28)).arg(page.between(1, 12))};
         for (int column = 0; column < 5; ++column)
-            page.text({columns[column], y + (rowHeight - QFontMetrics(font).height()) / 2}, cells[column], font,
-                      theme.ink);
+            page.text({columns[column], y + (rowHeight - QFontMetrics(font).height()) / 2}, cells[column],
+                      font, theme.ink);
         if (grid) {
             page.paint().setRenderHint(QPainter::Antialiasing, false);
             page.paint().setPen(theme.faint);
@@ -267,16 +268,15 @@ Sample terminal(QRandomGenerator &random, bool wide)
         font.setStyleStrategy(QFont::NoAntialias);
     const QFontMetrics metrics(font);
     for (int y = 4; y + metrics.height() < 280; y += metrics.height()) {
-        const QString line =
-            page.chance(30)
-                ? QStringLiteral("utente@casa:~/lavoro$ ") + page.any(codeLines)
-                : QStringLiteral("-rw-r--r-- 1 utente utente %1 nov %2 %3:%4 %5_%6.txt")
-                      .arg(page.between(1000, 99999))
-                      .arg(page.between(1, 30))
-                      .arg(page.between(10, 23))
-                      .arg(page.between(10, 59))
-                      .arg(page.any(places).toLower())
-                      .arg(page.below(30));
+        const QString line = page.chance(30)
+                                 ? QStringLiteral("utente@casa:~/lavoro$ ") + page.any(codeLines)
+                                 : QStringLiteral("-rw-r--r-- 1 utente utente %1 nov %2 %3:%4 %5_%6.txt")
+                                       .arg(page.between(1000, 99999))
+                                       .arg(page.between(1, 30))
+                                       .arg(page.between(10, 23))
+                                       .arg(page.between(10, 59))
+                                       .arg(page.any(places).toLower())
+                                       .arg(page.below(30));
         page.text({4, y}, line, font, page.chance(20) ? theme.accent : theme.ink);
     }
     return page.finished({});
@@ -434,13 +434,26 @@ Sample largeDesktop(QRandomGenerator &random, bool wide)
 const std::vector<SampleKind> &screenKinds()
 {
     static const std::vector<SampleKind> kinds{
-        {"light 9-11", 8, lightTiny},       {"light 12-14", 8, lightUsual}, {"light 18-24", 6, lightLarge},
-        {"dark 9-11", 8, darkTiny},         {"dark 12-14", 8, darkUsual},   {"subpixel 10-13", 8, subpixel},
-        {"double scale", 6, doubleScale},   {"jpeg", 8, jpegScreen},        {"table", 10, table},
-        {"buttons", 10, buttons},           {"code light", 8, codeLight},   {"code dark", 8, codeDark},
-        {"terminal", 8, terminal},          {"web page", 8, webPage},       {"heading", 10, heading},
-        {"selected rows", 8, selectedRows}, {"one word", 16, wordCrop},     {"big margins", 4, bigMargins},
-        {"columns", 6, columns},            {"desktop 4K", 1, largeDesktop},
+        {"light 9-11", 8, lightTiny},
+        {"light 12-14", 8, lightUsual},
+        {"light 18-24", 6, lightLarge},
+        {"dark 9-11", 8, darkTiny},
+        {"dark 12-14", 8, darkUsual},
+        {"subpixel 10-13", 8, subpixel},
+        {"double scale", 6, doubleScale},
+        {"jpeg", 8, jpegScreen},
+        {"table", 10, table},
+        {"buttons", 10, buttons},
+        {"code light", 8, codeLight},
+        {"code dark", 8, codeDark},
+        {"terminal", 8, terminal},
+        {"web page", 8, webPage},
+        {"heading", 10, heading},
+        {"selected rows", 8, selectedRows},
+        {"one word", 16, wordCrop},
+        {"big margins", 4, bigMargins},
+        {"columns", 6, columns},
+        {"desktop 4K", 1, largeDesktop},
     };
     return kinds;
 }

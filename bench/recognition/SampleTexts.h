@@ -49,13 +49,13 @@ inline constexpr std::array sentences{
 };
 
 inline constexpr std::array labels{
-    u"Salva",       u"Annulla",       u"Apri cartella", u"Modifica",     u"Elimina",     u"Impostazioni",
-    u"Cerca",       u"Condividi",     u"Nuova scheda",  u"Stampa",       u"Esci",        u"Aggiungi utente",
-    u"Copia",       u"Incolla",       u"Preferiti",     u"Cronologia",   u"Avanti",      u"Indietro",
-    u"Save as",     u"Cancel",        u"Open file",     u"Edit",         u"Delete",      u"Settings",
-    u"Find next",   u"Share link",    u"New window",    u"Print",        u"Quit",        u"Add account",
-    u"Downloads",   u"Select all",    u"Bookmarks",     u"Refresh",      u"Help",        u"Sign in",
-    u"File",        u"View",          u"Tools",         u"Visualizza",   u"Strumenti",   u"Aiuto",
+    u"Salva",     u"Annulla",    u"Apri cartella", u"Modifica",   u"Elimina",   u"Impostazioni",
+    u"Cerca",     u"Condividi",  u"Nuova scheda",  u"Stampa",     u"Esci",      u"Aggiungi utente",
+    u"Copia",     u"Incolla",    u"Preferiti",     u"Cronologia", u"Avanti",    u"Indietro",
+    u"Save as",   u"Cancel",     u"Open file",     u"Edit",       u"Delete",    u"Settings",
+    u"Find next", u"Share link", u"New window",    u"Print",      u"Quit",      u"Add account",
+    u"Downloads", u"Select all", u"Bookmarks",     u"Refresh",    u"Help",      u"Sign in",
+    u"File",      u"View",       u"Tools",         u"Visualizza", u"Strumenti", u"Aiuto",
 };
 
 inline constexpr std::array codeLines{
@@ -85,10 +85,11 @@ inline constexpr std::array codeLines{
     u"else if (mode == 'r') {",
 };
 
-inline constexpr std::array places{u"Torino",  u"Bologna", u"Lecce",    u"Trieste", u"Pisa",   u"Cagliari", u"Perugia",
-                                   u"Leeds",   u"Dublin",  u"Brighton", u"Oxford",  u"Boston", u"Denver",   u"Austin",
-                                   u"Firenze", u"Ancona",  u"Bari",     u"Como",    u"York",   u"Cardiff"};
+inline constexpr std::array places{u"Torino",   u"Bologna", u"Lecce",  u"Trieste", u"Pisa",
+                                   u"Cagliari", u"Perugia", u"Leeds",  u"Dublin",  u"Brighton",
+                                   u"Oxford",   u"Boston",  u"Denver", u"Austin",  u"Firenze",
+                                   u"Ancona",   u"Bari",    u"Como",   u"York",    u"Cardiff"};
 
-inline constexpr std::array names{u"Anna Ferri",   u"Luca Monti", u"Giulia Neri",  u"Paolo Costa",  u"Sara Lombardi",
-                                  u"Emma Clarke",  u"Tom Walker", u"Olivia Stone", u"James Porter", u"Ruth Baker",
-                                  u"Marco De Luca", u"Niccolò Riva"};
+inline constexpr std::array names{u"Anna Ferri",    u"Luca Monti",  u"Giulia Neri",   u"Paolo Costa",
+                                  u"Sara Lombardi", u"Emma Clarke", u"Tom Walker",    u"Olivia Stone",
+                                  u"James Porter",  u"Ruth Baker",  u"Marco De Luca", u"Niccolò Riva"};

@@ -20,7 +20,8 @@ struct BlockPicture {
     }
 };
 
-[[nodiscard]] BlockPicture cutBlock(const GreyPicture &normalized, const BlobMap &map, const TextBlock &block);
+[[nodiscard]] BlockPicture cutBlock(const GreyPicture &normalized, const BlobMap &map,
+                                    const TextBlock &block);
 
 // Twice the size, with values in between mixed.
 [[nodiscard]] GreyPicture doubled(const GreyPicture &picture);

@@ -4,8 +4,8 @@
 #include <QString>
 #include <vector>
 
-// What the engine reads, in pixels with the origin top left: of the picture that it was given, or of the whole
-// one, whoever holds them knows.
+// What the engine reads, in pixels with the origin top left: of the picture that it was given, or of the
+// whole one, whoever holds them knows.
 
 struct EngineSymbol {
     QString text; // one character with its accents

@@ -24,7 +24,8 @@ bool haveOneColour(std::uint32_t a, std::uint32_t b)
 {
     constexpr int tolerance = 12;
     for (int shift = 0; shift <= 16; shift += 8) {
-        if (std::abs(static_cast<int>((a >> shift) & 0xff) - static_cast<int>((b >> shift) & 0xff)) > tolerance)
+        if (std::abs(static_cast<int>((a >> shift) & 0xff) - static_cast<int>((b >> shift) & 0xff)) >
+            tolerance)
             return false;
     }
     return true;

@@ -22,7 +22,8 @@ GreyPicture thicknessDown(const GreyPicture &picture)
         auto out = lengths.row(y);
         for (std::size_t x = 0; x < ink.size(); ++x) {
             const int before = y > 0 ? above[x] : 0;
-            out[x] = ink[x] < faintestRule ? static_cast<std::uint8_t>(std::min(255, before + 1)) : std::uint8_t{0};
+            out[x] = ink[x] < faintestRule ? static_cast<std::uint8_t>(std::min(255, before + 1))
+                                           : std::uint8_t{0};
         }
     }
     for (int y = picture.height - 2; y >= 0; --y) {

@@ -117,11 +117,11 @@ private:
                 return std::nullopt;
             if (isFaintRemnant(normalized, block))
                 continue;
-            auto read = readBlock(normalized, map, block);
+            auto read = readBlock(normalized, map, block, PictureLayout::oneBlock);
             if (!read)
                 return std::nullopt;
             for (const TextLine &missed : linesWithoutWords(block, *read)) {
-                auto again = readBlock(normalized, map, blockOf(map, {missed}));
+                auto again = readBlock(normalized, map, blockOf(map, {missed}), PictureLayout::oneLine);
                 if (!again)
                     return std::nullopt;
                 std::move(again->begin(), again->end(), std::back_inserter(*read));
@@ -132,10 +132,11 @@ private:
     }
 
     // In pixels of the whole picture.
-    std::optional<Lines> readBlock(const GreyPicture &normalized, const BlobMap &map, const TextBlock &block)
+    std::optional<Lines> readBlock(const GreyPicture &normalized, const BlobMap &map, const TextBlock &block,
+                                   PictureLayout layout)
     {
         const BlockPicture cut = cutBlock(normalized, map, block);
-        auto lines = engine.read(cut.picture, PictureLayout::oneBlock, isExpired);
+        auto lines = engine.read(cut.picture, layout, isExpired);
         if (!lines)
             return lines;
         correctSpacing(cut.picture, *lines);

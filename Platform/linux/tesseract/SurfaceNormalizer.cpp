@@ -97,7 +97,8 @@ GreyPicture normalizeSurfaces(const ColorPicture &picture, const Surfaces &surfa
             const std::uint32_t under = below[static_cast<std::size_t>(y) * width + x];
             const auto across = squaredDistanceBetween(row[x], nearest, toTheRight[x]);
             const auto down = squaredDistanceBetween(row[x], above[x], under);
-            const float squared = std::min(across.value_or(down.value_or(0)), down.value_or(across.value_or(0)));
+            const float squared =
+                std::min(across.value_or(down.value_or(0)), down.value_or(across.value_or(0)));
             out[x] = static_cast<std::uint8_t>(255 - std::min(255.F, gain * std::sqrt(squared)));
         }
     }

@@ -3,21 +3,22 @@
 #include "Platform/linux/tesseract/BoxIndex.h"
 
 #include <optional>
+#include <utility>
 
 namespace {
 
-constexpr double maxGap = 1.5;    // of the taller line's height
-constexpr double maxRatio = 1.9;  // between the heights
-constexpr std::size_t maxLines = 60;    // keeps one block's picture small
-constexpr int maxBlockSide = 8000; // pixels, of which the engine takes 32767 after enlarging
+constexpr double maxGap = 1.5;       // of the taller line's height
+constexpr double maxRatio = 1.9;     // between the heights
+constexpr std::size_t maxLines = 60; // keeps one block's picture small
+constexpr int maxBlockSide = 8000;   // pixels, of which the engine takes 32767 after enlarging
 
 bool canFollow(const PixelBox &upper, const PixelBox &lower)
 {
     const int tall = std::max(upper.height, lower.height);
     const int low = std::min(upper.height, lower.height);
     const int gap = lower.top - upper.bottom();
-    return tall <= maxRatio * low && gap > -low / 2 && gap <= maxGap * tall &&
-           lower.top > upper.top && lower.bottom() > upper.bottom() && upper.sharedColumns(lower) > 0;
+    return tall <= maxRatio * low && gap > -low / 2 && gap <= maxGap * tall && lower.top > upper.top &&
+           lower.bottom() > upper.bottom() && upper.sharedColumns(lower) > 0;
 }
 
 using Neighbours = std::vector<std::optional<std::uint32_t>>;
@@ -88,8 +89,9 @@ std::vector<TextBlock> findBlocks(const BlobMap &map, const std::vector<TextLine
             continue; // within a block that begins higher up
         std::vector<TextLine> column;
         for (std::optional<std::uint32_t> line = i; line; line = follower(*line)) {
-            const bool isFull = !column.empty() && (column.size() >= maxLines ||
-                                                    boxes[*line].bottom() - column.front().box.top > maxBlockSide);
+            const bool isFull =
+                !column.empty() &&
+                (column.size() >= maxLines || boxes[*line].bottom() - column.front().box.top > maxBlockSide);
             if (isFull)
                 blocks.push_back(blockOf(map, std::exchange(column, {})));
             column.push_back(lines[*line]);

@@ -13,6 +13,19 @@ namespace {
 // Tells the engine a height of letters to expect; it does not change what is read (measured 150 to 300).
 constexpr int assumedResolution = 150;
 
+tesseract::PageSegMode segmentation(PictureLayout layout)
+{
+    switch (layout) {
+    case PictureLayout::page:
+        return tesseract::PSM_AUTO;
+    case PictureLayout::oneBlock:
+        return tesseract::PSM_SINGLE_BLOCK;
+    case PictureLayout::oneLine:
+        return tesseract::PSM_SINGLE_LINE;
+    }
+    return tesseract::PSM_AUTO;
+}
+
 bool askWhetherExpired(void *isExpired, int /*wordsRead*/)
 {
     return (*static_cast<const std::function<bool()> *>(isExpired))();
@@ -65,7 +78,7 @@ std::unique_ptr<TextEngine> TextEngine::open(const QString &dataFolder, const QS
 std::optional<std::vector<EngineLine>> TextEngine::read(const GreyPicture &picture, PictureLayout layout,
                                                         const std::function<bool()> &isExpired)
 {
-    api->SetPageSegMode(layout == PictureLayout::page ? tesseract::PSM_AUTO : tesseract::PSM_SINGLE_BLOCK);
+    api->SetPageSegMode(segmentation(layout));
     api->SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
     api->SetSourceResolution(assumedResolution);
     tesseract::ETEXT_DESC monitor;

@@ -14,8 +14,9 @@ class TessBaseAPI;
 
 // What the engine is told about the picture it gets.
 enum class PictureLayout {
-    page,    // find columns and lines yourself
-    oneBlock // one column of lines
+    page,     // find columns and lines yourself
+    oneBlock, // one column of lines
+    oneLine
 };
 
 // Tesseract with its languages loaded. Belongs to one thread.

@@ -259,7 +259,8 @@ int letterHeight(const std::vector<Blob> &blobs, double share)
     }
     if (heights.empty())
         return 0;
-    const auto at = heights.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(heights.size() - 1));
+    const auto at =
+        heights.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(heights.size() - 1));
     std::nth_element(heights.begin(), at, heights.end());
     return *at;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numbers>
 #include <optional>
 #include <utility>
@@ -24,7 +25,9 @@ public:
     LineProfile(const GreyPicture &picture, const QRectF &box)
         : left(std::clamp(static_cast<int>(box.left()), 0, picture.width)),
           bottom(std::clamp(static_cast<int>(box.bottom()), 0, picture.height)),
-          lowest(static_cast<std::size_t>(std::clamp(static_cast<int>(box.right()) + 1, left, picture.width) - left), 0),
+          lowest(static_cast<std::size_t>(std::clamp(static_cast<int>(box.right()) + 1, left, picture.width) -
+                                          left),
+                 0),
           highest(lowest.size(), picture.height)
     {
         for (int y = std::clamp(static_cast<int>(box.top()), 0, bottom); y < bottom; ++y) {
@@ -114,7 +117,8 @@ std::vector<Gap> gapsBefore(const std::vector<Placed> &placed, std::vector<Gap> 
     for (const Gap &gap : gaps) {
         std::size_t nearest = 0;
         for (std::size_t i = 1; i < placed.size(); ++i) {
-            if (nearest == 0 || std::abs(between(i) - gap.centre()) < std::abs(between(nearest) - gap.centre()))
+            if (nearest == 0 ||
+                std::abs(between(i) - gap.centre()) < std::abs(between(nearest) - gap.centre()))
                 nearest = i;
         }
         if (nearest > 0 && !placed[nearest].beginsWord && gap.width() > result[nearest].width())
@@ -129,6 +133,13 @@ struct MeasuredLine {
     LineProfile profile;
     std::vector<Gap> gaps;
 };
+
+bool hasEmptySymbol(const EngineWord &word)
+{
+    return word.symbols.empty() ||
+           std::any_of(word.symbols.begin(), word.symbols.end(),
+                       [](const EngineSymbol &symbol) { return symbol.text.isEmpty(); });
+}
 
 // How far apart the letters of a typewriter font are: absent for other fonts. The middles of the letters then
 // stand at equal distances; small hinted letters of other fonts come near that, so the agreement has to be
@@ -184,8 +195,8 @@ public:
         current.certainty = (current.certainty * length + from.certainty) / (length + 1);
         current.text += symbol.text;
         current.symbols.push_back(symbol);
-        current.box = current.box.united(QRectF(current.box.left(), from.box.top(), symbol.right - current.box.left(),
-                                                from.box.height()));
+        current.box = current.box.united(
+            QRectF(current.box.left(), from.box.top(), symbol.right - current.box.left(), from.box.height()));
     }
     void endAt(double right) { current.box.setRight(std::max(current.box.left(), right)); }
     void finish()
@@ -200,8 +211,43 @@ private:
     EngineWord current;
 };
 
-// Sets blanks where the letters are at least so far apart and nowhere else.
-void setBlanks(MeasuredLine &measured, double narrowest)
+// Whether there is a blank between two symbols with that gap between them.
+using BlankRule = std::function<bool(const Placed &before, const Placed &after, double gap)>;
+
+BlankRule typewriterRule(double pitch)
+{
+    return [pitch](const Placed &, const Placed &, double gap) { return gap >= minBlank * pitch; };
+}
+
+bool isWordCharacter(const QString &symbol)
+{
+    return !symbol.isEmpty() &&
+           (symbol.front().isLetterOrNumber() || symbol.front().category() == QChar::Symbol_Currency);
+}
+
+// The engine's own blanks, and those it lost: where two characters of words are much farther apart than
+// letters are in this line. Figures are not asked: a 1 has much white beside it.
+BlankRule usualRule(const MeasuredLine &measured)
+{
+    constexpr double minPart = 0.2;  // of the line's height
+    constexpr double minTimes = 2.5; // of the usual white between letters
+    std::vector<double> widths;
+    for (const Gap &gap : measured.gaps)
+        widths.push_back(gap.width());
+    const auto middle = widths.begin() + static_cast<std::ptrdiff_t>(widths.size() / 2);
+    std::nth_element(widths.begin(), middle, widths.end());
+    const double limit = std::max(minPart * measured.line->box.height(), minTimes * *middle);
+    return [limit](const Placed &before, const Placed &after, double gap) {
+        if (after.beginsWord)
+            return true;
+        const QString &left = before.symbol->text;
+        const QString &right = after.symbol->text;
+        return gap >= limit && isWordCharacter(left) && isWordCharacter(right) &&
+               !(left.front().isDigit() && right.front().isDigit());
+    };
+}
+
+void setBlanks(MeasuredLine &measured, const BlankRule &isBlank)
 {
     EngineLine &line = *measured.line;
     const std::vector<Placed> placed = placedSymbols(line);
@@ -212,9 +258,10 @@ void setBlanks(MeasuredLine &measured, double narrowest)
     for (std::size_t i = 1; i < placed.size(); ++i) {
         const Placed &now = placed[i];
         const Placed &last = placed[i - 1];
-        if (before[i].width() >= narrowest) {
-            builder.endAt(before[i].left);
-            builder.begin(*now.word, before[i].right);
+        if (isBlank(last, now, before[i].width())) {
+            const bool hasGap = before[i].width() > 0;
+            builder.endAt(hasGap ? before[i].left : last.symbol->right);
+            builder.begin(*now.word, hasGap ? before[i].right : now.symbol->left);
         } else if (now.beginsWord && last.symbol->text != u'_' && now.symbol->text != u'_' &&
                    measured.profile.isUnderscored(last.word->box.right(), now.word->box.left(),
                                                   line.box.bottom() - 0.3 * line.box.height())) {
@@ -227,15 +274,37 @@ void setBlanks(MeasuredLine &measured, double narrowest)
     line.words = std::move(builder.words);
 }
 
+// Figures stand at equal distances in other fonts too, and so do letters now and then by chance: there must
+// be enough letters, and most blanks of the engine as wide as a letter.
+bool isTypewriterFont(const std::vector<MeasuredLine> &lines, double pitch)
+{
+    std::size_t symbols = 0;
+    std::size_t figures = 0;
+    std::size_t blanks = 0;
+    std::size_t wide = 0;
+    for (const MeasuredLine &measured : lines) {
+        const std::vector<Placed> placed = placedSymbols(*measured.line);
+        const std::vector<Gap> before = gapsBefore(placed, measured.gaps, 0.35 * measured.line->box.height());
+        for (std::size_t i = 0; i < placed.size(); ++i) {
+            ++symbols;
+            figures += placed[i].symbol->text.front().isDigit() ? 1U : 0U;
+            if (i > 0 && placed[i].beginsWord) {
+                ++blanks;
+                wide += before[i].width() >= minBlank * pitch ? 1U : 0U;
+            }
+        }
+    }
+    return 2 * figures < symbols && 2 * wide >= blanks;
+}
+
 } // namespace
 
 void correctSpacing(const GreyPicture &picture, std::vector<EngineLine> &lines)
 {
     std::vector<MeasuredLine> measured;
     for (EngineLine &line : lines) {
-        const bool isComplete = !line.words.empty() &&
-                                std::none_of(line.words.begin(), line.words.end(),
-                                             [](const EngineWord &word) { return word.symbols.empty(); });
+        const bool isComplete =
+            !line.words.empty() && std::none_of(line.words.begin(), line.words.end(), hasEmptySymbol);
         if (!isComplete)
             continue;
         LineProfile profile(picture, line.box);
@@ -243,9 +312,9 @@ void correctSpacing(const GreyPicture &picture, std::vector<EngineLine> &lines)
         if (!gaps.empty())
             measured.push_back({&line, std::move(profile), std::move(gaps)});
     }
-    const auto pitch = pitchOf(measured);
-    if (!pitch)
-        return;
+    auto pitch = pitchOf(measured);
+    if (pitch && !isTypewriterFont(measured, *pitch))
+        pitch.reset();
     for (MeasuredLine &line : measured)
-        setBlanks(line, minBlank * *pitch);
+        setBlanks(line, pitch ? typewriterRule(*pitch) : usualRule(line));
 }
