@@ -6,6 +6,7 @@ constexpr int minSide = 11;
 constexpr int maxSide = 72;
 constexpr double minRatio = 1.15; // of an icon's height to the text's
 constexpr double minGap = 0.2;    // of the icon's smaller side
+constexpr double minGapBetween = 0.5;
 
 // Blobs of a line that share columns: a letter with its accent, an icon with its parts.
 struct Piece {
@@ -101,7 +102,9 @@ bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter
         return false;
     if (isWithinText(pieces, number))
         return false;
-    const double space = minGap * std::min(box.width, box.height);
+    // Between words an icon stands farther off than words do.
+    const bool isBetween = number > 0 && number + 1 < pieces.size();
+    const double space = (isBetween ? minGapBetween : minGap) * std::min(box.width, box.height);
     return (number == 0 || box.left - pieces[number - 1].box.right() >= space) &&
            (number + 1 == pieces.size() || pieces[number + 1].box.left - box.right() >= space);
 }
