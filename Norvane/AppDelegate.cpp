@@ -4,10 +4,12 @@
 #include "Norvane/PopupPanel.h"
 #include "Norvane/StatusMenu.h"
 #include "Norvane/app/Preferences.h"
+#include "Norvane/app/TextRecognitionQueue.h"
 #include "Norvane/capture/ClipboardMonitor.h"
 #include "Norvane/paste/PasteService.h"
 #include "Norvane/store/ClipStore.h"
 #include "Vesmo/Localisation.h"
+#include "Vesmo/TextRecognizer.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
@@ -15,9 +17,11 @@
 
 namespace {
 
-constexpr int trimDelay = 1000;  // milliseconds after the last change of a limit
-constexpr int longestWait = 100; // milliseconds that opening the panel waits for copies and the caret
-constexpr int menuDelay = 100;   // milliseconds from a row of the status menu to the panel
+constexpr int trimDelay = 1000;    // milliseconds after the last change of a limit
+constexpr int longestWait = 100;   // milliseconds that opening the panel waits for copies and the caret
+constexpr int menuDelay = 100;     // milliseconds from a row of the status menu to the panel
+constexpr int firstReading = 3000; // milliseconds from launch to reading images that were not read before
+constexpr double warmUpDelay = 5;  // seconds from launch
 
 } // namespace
 
@@ -46,6 +50,8 @@ void AppDelegate::finishLaunching()
 {
     store = std::make_unique<ClipStore>(dataFolder);
     store->trim(prefs.maxItems(), prefs.retentionDays());
+    recognizer = std::make_unique<TextRecognitionQueue>(
+        *store, platform.recognition, [this] { return prefs.recognizeText() && prefs.saveImages(); });
 
     monitor = std::make_unique<ClipboardMonitor>(*platform.pasteboard, prefs);
     pasteService = std::make_unique<PasteService>(PasteService::Services{
@@ -60,11 +66,20 @@ void AppDelegate::finishLaunching()
     monitor->onCapture = [this](const CapturedClip &capture) { handleCapture(capture); };
     monitor->start();
 
+    readImages();
     hotKey.onPress = [this] { togglePopup(); };
     registerHotKey();
     watchPreferences();
     followCaret();
     installStatusItem();
+}
+
+void AppDelegate::readImages()
+{
+    recognizer->onCanReadChange = [this](bool canRead) { popup->setReadsImages(canRead); };
+    QTimer::singleShot(firstReading, recognizer.get(), &TextRecognitionQueue::kick);
+    if (prefs.recognizeText())
+        TextRecognizer::warmUp(warmUpDelay, platform.recognition);
 }
 
 void AppDelegate::followCaret()
@@ -159,6 +174,8 @@ void AppDelegate::watchPreferences()
         else
             registerHotKey();
     });
+    for (const auto changed : {&Preferences::recognizeTextChanged, &Preferences::saveImagesChanged})
+        connect(&prefs, changed, recognizer.get(), &TextRecognitionQueue::kick, Qt::QueuedConnection);
     connect(&prefs, &Preferences::positionChanged, this, &AppDelegate::followCaret);
     connect(&prefs, &Preferences::maxItemsChanged, &trimming, qOverload<>(&QTimer::start));
     connect(&prefs, &Preferences::retentionDaysChanged, &trimming, qOverload<>(&QTimer::start));
@@ -168,6 +185,8 @@ void AppDelegate::handleCapture(const CapturedClip &capture)
 {
     store->add(capture);
     store->trim(prefs.maxItems(), prefs.retentionDays());
+    if (capture.kind == ClipKind::image)
+        recognizer->kick();
 }
 
 void AppDelegate::showPopup()

@@ -17,6 +17,7 @@ class ClipStore;
 class PasteService;
 class PopupController;
 class Preferences;
+class TextRecognitionQueue;
 struct CapturedClip;
 struct ClosureMenuItem;
 
@@ -52,6 +53,7 @@ public:
 private:
     void watchPreferences();
     void followCaret();
+    void readImages();
     void askForCaret();
     void showWhenReady();
     void present();
@@ -68,6 +70,7 @@ private:
     Preferences &prefs;
     QString dataFolder;
     std::unique_ptr<ClipStore> store;
+    std::unique_ptr<TextRecognitionQueue> recognizer;
     std::unique_ptr<ClipboardMonitor> monitor;
     std::unique_ptr<PopupController> popup;
     std::unique_ptr<PasteService> pasteService;

@@ -146,6 +146,11 @@ void PopupController::setMenuButtonVisible(bool visible)
     panel->menuButton->setVisible(visible);
 }
 
+void PopupController::setReadsImages(bool reads)
+{
+    panel->previewPane->setReadsImages(reads);
+}
+
 void PopupController::reload(bool keepSelection)
 {
     prepared = false;

@@ -57,6 +57,9 @@ public:
     // A small button in the panel that calls onShowMenu: where no tray has the menu.
     void setMenuButtonVisible(bool visible);
 
+    // Whether images are being read: without that their preview promises no text.
+    void setReadsImages(bool reads);
+
     // keepSelection: the selected clip stays selected, or what took its row.
     void reload(bool keepSelection);
     void select(int row);

@@ -9,6 +9,7 @@
 #include "Platform/KeyboardLayout.h"
 #include "Platform/PanelSurface.h"
 #include "Platform/Pasteboard.h"
+#include "Platform/RecognitionService.h"
 #include "Platform/Screens.h"
 #include "Platform/StatusItem.h"
 #include "Platform/UserDefaults.h"
@@ -31,4 +32,5 @@ struct Platform {
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Appearance> appearance;
+    std::shared_ptr<RecognitionService> recognition;
 };

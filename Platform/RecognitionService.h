@@ -25,7 +25,8 @@ class RecognitionService {
 public:
     virtual ~RecognitionService() = default;
 
-    // Languages that can be read, as BCP-47 identifiers ("it", "zh-Hans"); none where nothing can be read.
+    // Languages that can be read, as BCP-47 identifiers ("it", "zh-Hans"); none while nothing can be read, be
+    // it for lack of language data or of what reads.
     [[nodiscard]] virtual QStringList supportedLanguages() = 0;
 
     // Reads an image file of any format that the program records, turned upright by its EXIF orientation. Of
@@ -33,4 +34,8 @@ public:
     // with the reason in `error` when the recognition failed on a good one.
     [[nodiscard]] virtual std::optional<RecognizedImage>
     recognize(const QByteArray &image, const QStringList &languages, QString *error) = 0;
+
+    // Ends the recognition under way, which is absent then, and refuses every later one: the program is
+    // ending.
+    virtual void cancel() = 0;
 };

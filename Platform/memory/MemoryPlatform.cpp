@@ -240,5 +240,6 @@ std::unique_ptr<Platform> makeMemoryPlatform()
     platform->accessibility = std::make_unique<MemoryAccessibility>();
     platform->statusItem = std::make_unique<MemoryStatusItem>();
     platform->appearance = std::make_unique<MemoryAppearance>();
+    platform->recognition = std::make_shared<MemoryRecognition>();
     return platform;
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 #include "Platform/memory/MemoryPasteboard.h"
+#include "Platform/memory/MemoryRecognition.h"
 #include "Platform/memory/MemoryUserDefaults.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
 #include "Norvane/capture/Thumbnail.h"
 
-#include "tests/capture/Copies.h"
+#include "tests/capture/SamplePictures.h"
 
 #include <QColorSpace>
 #include <QImageWriter>
@@ -31,28 +31,6 @@ bool isRed(const QColor &colour)
 {
     return colour.red() > 200 && colour.blue() < 60;
 }
-
-// A JPEG whose camera was held as `orientation` says: an Exif block with that one entry after the first
-// marker.
-QByteArray jpegWithOrientation(const QImage &image, char orientation)
-{
-    QByteArray exif("Exif\0\0"
-                    "MM\0\x2A\0\0\0\x08"          // big-endian TIFF, directory at 8
-                    "\0\x01"                      // one entry
-                    "\x01\x12\0\x03\0\0\0\x01\0", // orientation, one short
-                    25);
-    exif += orientation;
-    exif += QByteArray("\0\0\0\0\0\0", 6);
-    QByteArray block("\xFF\xE1\0", 3);
-    block += static_cast<char>(exif.size() + 2);
-    return encoded(image, "JPEG").insert(2, block + exif);
-}
-
-// A PNG of 60000 × 60000 pixels by its header, and an empty stream of pixels.
-const QByteArray pngBomb("\x89PNG\r\n\x1A\n"
-                         "\0\0\0\x0DIHDR\0\0\xEA\x60\0\0\xEA\x60\x08\x02\0\0\0\x0F\xB0\xE2\x15"
-                         "\0\0\0\0IDAT\x35\xAF\x06\x1E",
-                         45);
 
 // 2 × 1 pixels, a global table of red and blue; a frame of reds, then one of blues.
 QByteArray animation()
@@ -107,6 +85,24 @@ TEST(Thumbnail, OrientationTurnsThePictureButNotItsSize)
         ASSERT_EQ(picture.size(), size) << int(orientation);
         EXPECT_TRUE(isRed(picture.pixelColor(red))) << int(orientation);
         EXPECT_FALSE(isRed(picture.pixelColor(blue))) << int(orientation);
+    }
+}
+
+TEST(Thumbnail, HeicIsMeasuredTurnedAndShrunk)
+{
+    for (const auto &[orientation, red, blue] :
+         {std::tuple{1, QPoint(30, 50), QPoint(226, 50)}, std::tuple{6, QPoint(50, 30), QPoint(50, 226)}}) {
+        const QByteArray heic = heicOf(twoHalves(1000, 400), orientation);
+        ASSERT_FALSE(heic.isEmpty());
+        const auto thumbnail = makeThumbnail(heic, maxPixels);
+        EXPECT_EQ(thumbnail.pixelSize, QSizeF(1000, 400));
+        const QImage picture = pictureOf(thumbnail);
+        EXPECT_EQ(picture.size(), orientation == 1 ? QSize(256, 102) : QSize(102, 256));
+        EXPECT_TRUE(isRed(picture.pixelColor(red)));
+        EXPECT_FALSE(isRed(picture.pixelColor(blue)));
+        EXPECT_EQ(decodedPicture(heic, 4096).size(), orientation == 1 ? QSize(1000, 400) : QSize(400, 1000));
+        for (qsizetype length = 0; length < heic.size(); length += 1 + heic.size() / 60)
+            EXPECT_FALSE(makeThumbnail(heic.left(length), maxPixels).png) << "cut at " << length;
     }
 }
 

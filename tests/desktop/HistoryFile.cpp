@@ -44,11 +44,13 @@ std::optional<std::vector<HistoryFile::Row>> HistoryFile::rows() const
 {
     std::vector<Row> found;
     const bool read = query(
-        file, "SELECT id, kind, text, pinned, app_id FROM clips ORDER BY created DESC, id DESC",
+        file, "SELECT id, kind, text, pinned, app_id, ocr FROM clips ORDER BY created DESC, id DESC",
         [](sqlite3_stmt *) {},
         [&](sqlite3_stmt *row) {
-            found.push_back({sqlite3_column_int64(row, 0), sqlite3_column_int(row, 1), text(row, 2),
-                             sqlite3_column_int(row, 3) != 0, text(row, 4)});
+            found.push_back(
+                {sqlite3_column_int64(row, 0), sqlite3_column_int(row, 1), text(row, 2),
+                 sqlite3_column_int(row, 3) != 0, text(row, 4),
+                 sqlite3_column_type(row, 5) == SQLITE_NULL ? std::nullopt : std::optional(text(row, 5))});
         });
     return read ? std::optional(found) : std::nullopt;
 }

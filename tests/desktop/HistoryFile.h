@@ -14,6 +14,7 @@ public:
         QString text;
         bool pinned = false;
         QString application;
+        std::optional<QString> recognized; // of an image that was read
     };
 
     explicit HistoryFile(QString path) : file(std::move(path)) {}

@@ -129,6 +129,7 @@ using Steps = std::vector<Step>;
 
 Steps textSteps();
 Steps fileSteps();
+Steps readingSteps();
 Steps privacySteps();
 Steps panelSteps();
 Steps lifeSteps();

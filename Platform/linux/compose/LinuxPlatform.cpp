@@ -6,6 +6,7 @@
 #include "Platform/linux/dbus/DBusAppearance.h"
 #include "Platform/linux/dbus/DBusInstance.h"
 #include "Platform/linux/dbus/SessionBus.h"
+#include "Platform/linux/tesseract/ProcessRecognition.h"
 #include "Platform/linux/tray/TrayStatusItem.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
@@ -76,5 +77,6 @@ std::unique_ptr<Platform> makeLinuxPlatform()
     platform->screens = std::make_unique<X11Screens>();
     platform->statusItem = std::make_unique<TrayStatusItem>(connectToSessionBus);
     platform->appearance = std::make_unique<DBusAppearance>();
+    platform->recognition = std::make_shared<ProcessRecognition>(ProcessRecognition::Settings());
     return platform;
 }

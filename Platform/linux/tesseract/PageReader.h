@@ -21,6 +21,9 @@ public:
     [[nodiscard]] std::optional<std::vector<RecognizedFragment>> read(const QImage &upright,
                                                                       const std::function<bool()> &isExpired);
 
+    // Developers' view: is given the picture that each stage of the reading leaves behind.
+    std::function<void(const QString &stage, const QImage &picture)> onStage;
+
 private:
     struct Engine;
     explicit PageReader(std::unique_ptr<Engine> loaded);

@@ -126,7 +126,7 @@ TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
         EXPECT_TRUE(platform->defaults && platform->desktopEntries && platform->keyboardLayout &&
                     platform->workspace && platform->pasteboard && platform->hotKeys &&
                     platform->panelSurface && platform->keyEvents && platform->screens &&
-                    platform->accessibility);
+                    platform->accessibility && platform->recognition);
         EXPECT_FALSE(platform->screens->screens().empty());
         const qint64 before = platform->pasteboard->changeCount();
         const QString plainText = QString::fromUtf16(PasteboardType::plainText);

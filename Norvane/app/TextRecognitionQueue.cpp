@@ -1,0 +1,84 @@
+#include "Norvane/app/TextRecognitionQueue.h"
+
+#include "Norvane/store/ClipStore.h"
+#include "Platform/Log.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+bool isCandidate(const ClipPointer &clip)
+{
+    return clip->kind == ClipKind::image && !clip->recognizedText;
+}
+
+} // namespace
+
+TextRecognitionQueue::TextRecognitionQueue(ClipStore &history, std::shared_ptr<RecognitionService> service,
+                                           std::function<bool()> enabled)
+    : store(history), isEnabled(std::move(enabled)), queue(std::move(service)),
+      ready(queue.readyDescriptor(), QSocketNotifier::Read)
+{
+    connect(&ready, &QSocketNotifier::activated, this, &TextRecognitionQueue::finish);
+}
+
+TextRecognitionQueue::~TextRecognitionQueue() = default;
+
+void TextRecognitionQueue::kick()
+{
+    if (isBusy() || isAsking || !isEnabled())
+        return;
+    if (canRead()) {
+        pickNext();
+        return;
+    }
+    isAsking = true;
+    queue.order(std::nullopt);
+}
+
+void TextRecognitionQueue::pickNext()
+{
+    for (;;) {
+        const auto found = std::ranges::find_if(store.clips(), isCandidate);
+        if (found == store.clips().end())
+            return;
+        // The list that it stands in may change.
+        const ClipPointer candidate = *found; // NOLINT(performance-unnecessary-copy-initialization)
+        if (auto image = candidate->imageData(store)) {
+            current = candidate;
+            queue.order(std::move(image));
+            return;
+        }
+        store.setRecognizedText(QString(), candidate);
+        if (isBusy()) // somebody who heard of that kicked
+            return;
+    }
+}
+
+void TextRecognitionQueue::finish()
+{
+    const auto result = queue.takeResult();
+    if (!result)
+        return;
+    isAsking = false;
+    const ClipPointer clip = std::exchange(current, nullptr);
+    setCanRead(result->canRead);
+    if (!result->canRead)
+        return;
+    if (clip)
+        store.setRecognizedText(result->text.value_or(QString()), clip);
+    kick();
+}
+
+void TextRecognitionQueue::setCanRead(bool value)
+{
+    if (canRead_ == value)
+        return;
+    canRead_ = value;
+    if (!value)
+        logLine(QStringLiteral("Norvane: the text in images is not read: there is no usable language data "
+                               "or no recognition process"));
+    if (onCanReadChange)
+        onCanReadChange(value);
+}

@@ -1,0 +1,166 @@
+#include "Platform/linux/tesseract/ConfidenceScale.h"
+#include "Platform/linux/tesseract/Fragments.h"
+#include "Platform/linux/tesseract/IconRemover.h"
+#include "Platform/linux/tesseract/LineEraser.h"
+#include "Platform/linux/tesseract/PagePictures.h"
+#include "Platform/linux/tesseract/PictureKind.h"
+#include "Platform/linux/tesseract/SurfaceNormalizer.h"
+#include "Platform/linux/tesseract/TextBlocks.h"
+
+#include <QPainter>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using ::testing::ElementsAre;
+
+namespace {
+
+// A normalised picture of black boxes on white.
+GreyPicture inked(QSize size, const std::vector<PixelBox> &boxes)
+{
+    GreyPicture picture(size.width(), size.height(), 255);
+    for (const PixelBox &box : boxes) {
+        for (int y = box.top; y < box.bottom(); ++y)
+            std::fill_n(picture.row(y).begin() + box.left, box.width, std::uint8_t{0});
+    }
+    return picture;
+}
+
+// So many letters of 6 by 10 pixels, 8 apart.
+std::vector<PixelBox> word(int left, int top, int letters)
+{
+    std::vector<PixelBox> boxes;
+    for (int i = 0; i < letters; ++i)
+        boxes.push_back({left + 8 * i, top, 6, 10});
+    return boxes;
+}
+
+std::vector<PixelBox> together(std::initializer_list<std::vector<PixelBox>> parts)
+{
+    std::vector<PixelBox> all;
+    for (const auto &part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+struct Column {
+    PixelBox box;
+    std::size_t lines;
+    bool operator==(const Column &) const = default;
+};
+
+std::vector<Column> columnsOf(const std::vector<PixelBox> &ink)
+{
+    BlobMap map = findBlobs(inked({400, 200}, ink));
+    std::vector<TextLine> lines = findLines(map);
+    removeIcons(map, lines);
+    attachSmallParts(map, lines);
+    std::vector<Column> columns;
+    for (const TextBlock &block : findBlocks(map, lines))
+        columns.push_back({block.box, block.lines.size()});
+    return columns;
+}
+
+TEST(SurfaceNormalizer, TextOfAnyThemeComesOutDarkAndTheEdgesOfButtonsVanish)
+{
+    QImage image(200, 100, QImage::Format_RGB32);
+    image.fill(QColor(40, 42, 54));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(26, 115, 232));
+    painter.drawRect(QRectF(50.5, 20.5, 100, 60)); // an edge that mixes both colours
+    painter.fillRect(QRect(98, 40, 3, 16), Qt::white);
+    painter.fillRect(QRect(20, 40, 3, 16), QColor(230, 230, 230));
+    painter.end();
+    const ColorPicture picture = colorPicture(image);
+    const GreyPicture normal = normalizeSurfaces(picture, findSurfaces(picture));
+    EXPECT_GT(normal.row(10)[10], 250);
+    EXPECT_GT(normal.row(50)[50], 245) << "the button's left edge";
+    EXPECT_GT(normal.row(70)[120], 250);
+    EXPECT_LT(normal.row(48)[99], 160) << "white on blue";
+    EXPECT_LT(normal.row(48)[21], 120) << "light on dark";
+}
+
+TEST(SurfaceNormalizer, StrokesOfLargeHeadingsAreNoSurfaces)
+{
+    QImage image(400, 200, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    for (const int left : {40, 130}) { // twice an H with strokes 14 thick
+        painter.fillRect(left, 40, 14, 90, Qt::black);
+        painter.fillRect(left + 50, 40, 14, 90, Qt::black);
+        painter.fillRect(left, 78, 64, 14, Qt::black);
+    }
+    painter.fillRect(260, 40, 100, 90, QColor(26, 115, 232)); // a panel
+    painter.end();
+    const Surfaces surfaces = findSurfaces(colorPicture(image));
+    EXPECT_EQ(surfaces.marks.row(60)[47], 0);
+    EXPECT_EQ(surfaces.marks.row(60)[300], 1);
+    EXPECT_EQ(surfaces.marks.row(10)[10], 1);
+}
+
+TEST(LineEraser, RulesGoAndLettersThatCrossThemStay)
+{
+    const PixelBox rule{10, 60, 120, 2};
+    const PixelBox side{10, 10, 2, 51};
+    GreyPicture picture = inked({200, 100}, together({{rule, side}, word(40, 52, 3), word(40, 20, 5)}));
+    eraseLines(picture);
+    EXPECT_EQ(picture.row(60)[100], 255);
+    EXPECT_EQ(picture.row(30)[10], 255);
+    EXPECT_EQ(picture.row(61)[42], 0) << "below the rule the letter goes on";
+    EXPECT_EQ(picture.row(25)[42], 0);
+}
+
+TEST(TextBlocks, ColumnsAreFoundAndIconsAreNot)
+{
+    EXPECT_THAT(columnsOf(together({word(10, 10, 8), word(10, 28, 6)})),
+                ElementsAre(Column{{10, 10, 62, 28}, 2}));
+    EXPECT_EQ(
+        columnsOf(together({word(10, 10, 8), word(200, 13, 8), word(10, 28, 6), word(200, 31, 7)})).size(),
+        2U);
+    EXPECT_EQ(columnsOf(together({word(10, 10, 8), word(10, 90, 6)})).size(), 2U) << "far below";
+    // A comma, a dot above and a dash beside belong to their line.
+    EXPECT_THAT(columnsOf(together(
+                    {word(10, 10, 5), {{50, 18, 2, 4}, {20, 5, 2, 2}, {60, 14, 6, 2}}, word(72, 10, 3)})),
+                ElementsAre(Column{{10, 5, 84, 17}, 1}));
+    // A filled square before the text, and a frame around it.
+    EXPECT_THAT(columnsOf(together({{{10, 6, 18, 18}}, word(40, 10, 5)})),
+                ElementsAre(Column{{40, 10, 38, 10}, 1}));
+    EXPECT_THAT(columnsOf({}), ElementsAre());
+}
+
+TEST(Fragments, WideGapsSplitALineAndBoxesCountFromBelow)
+{
+    const auto at = [](const QString &text, double left, double width) {
+        return EngineWord{text, 96, QRectF(left, 20, width, 10), {}};
+    };
+    const EngineLine line{{}, {at(u"una"_s, 10, 30), at(u"riga"_s, 45, 30), at(u"9,50"_s, 120, 40)}, 0};
+    const auto fragments = makeFragments({line}, QSize(200, 100));
+    ASSERT_EQ(fragments.size(), 2U);
+    EXPECT_EQ(fragments[0].text, u"una riga"_s);
+    EXPECT_EQ(fragments[1].text, u"9,50"_s);
+    EXPECT_NEAR(fragments[0].box.left(), 0.05, 1e-9);
+    EXPECT_NEAR(fragments[0].box.top(), 0.7, 1e-9);
+    EXPECT_NEAR(fragments[0].box.height(), 0.1, 1e-9);
+}
+
+TEST(ConfidenceScale, WhatIsMoreLikelyWrongStaysBelowTheCut)
+{
+    struct {
+        QString text;
+        double certainty;
+        bool passes;
+    } const cases[] = {{u"parola"_s, 96, true},     {u"parola"_s, 60, true},      {u"parola"_s, 55, false},
+                       {u"una parola"_s, 50, true}, {u"una parola"_s, 40, false}, {u"Q"_s, 70, false},
+                       {u"Q"_s, 90, true},          {u"=-"_s, 80, false},         {u"=-"_s, 90, true},
+                       {u"parola"_s, -5, false}};
+    for (const auto &one : cases)
+        EXPECT_EQ(confidenceOf(one.text, one.certainty) >= 0.3F, one.passes)
+            << one.text.toStdString() << one.certainty;
+    EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100), 1);
+    EXPECT_GE(confidenceOf(u"parola"_s, -5), 0);
+}
+
+} // namespace
