@@ -166,7 +166,7 @@ void followsTheDesktop(Stage &stage)
 void requireRoundCorner(const Stage &stage, const QRect &panel, double scale)
 {
     const int radius = qRound(12 * scale);
-    const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
+    const QImage corner = steadyScreenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
     const QRgb outside = corner.pixel(0, 0);
     for (int line = 0; line < radius; ++line) {
         int inset = 0;
