@@ -1,6 +1,7 @@
 // A reader that does what hostile images and damaged language data do to a real one. Linked into the
 // recognition process in place of the real reader; the image's colour and the language say what happens.
 
+#include "Platform/linux/tesseract/Explain.h"
 #include "Platform/linux/tesseract/PageReader.h"
 
 #include <csignal>
@@ -53,4 +54,10 @@ std::optional<std::vector<RecognizedFragment>> PageReader::read(const QImage &up
     if (colour == Qt::gray)
         return {{{text, 1, QRectF(0, 0, 1e9, 1)}}};
     return {{{text, 1, QRectF(0, 0, 1, 1)}}};
+}
+
+// It has no stages to show.
+bool explain(PageReader &, const QImage &, const QString &)
+{
+    return false;
 }
