@@ -203,10 +203,12 @@ void ClipTableView::currentChanged(const QModelIndex &current, const QModelIndex
     }
 }
 
+// Looks at every clip, which takes a millisecond at 100,000.
 void ClipTableView::measureRows()
 {
     rowTops.resize(static_cast<size_t>(clips.rowCount()) + 1);
-    const int textHeight = ClipCellView::rowHeight(ClipKind::text) + rowSpacing;
+    textRowHeight = ClipCellView::rowHeight(ClipKind::text);
+    const int textHeight = textRowHeight + rowSpacing;
     const int imageHeight = ClipCellView::rowHeight(ClipKind::image) + rowSpacing;
     int top = rowSpacing;
     size_t row = 0;
@@ -254,9 +256,11 @@ void ClipTableView::scrollTo(const QModelIndex &index, ScrollHint hint)
         bar->setValue(bar->value() + rect.center().y() - height / 2);
 }
 
+// Comes after every reset too, and whenever the view is shown or its font changes.
 void ClipTableView::doItemsLayout()
 {
-    measureRows();
+    if (textRowHeight != ClipCellView::rowHeight(ClipKind::text))
+        measureRows();
     setState(NoState);
     updateGeometries();
     viewport()->update();

@@ -75,5 +75,6 @@ private:
 
     ClipListModel &clips;
     std::vector<int> rowTops{0}; // one more than rows: the last is the height of all
+    int textRowHeight = 0; // that they were measured with
     int doubleClickedRow = -1;
 };
