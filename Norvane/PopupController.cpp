@@ -35,7 +35,8 @@ bool needsText(PasteMode mode)
 
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
-      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons))
+      panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons)),
+      firstFrame(panel.get(), panel->searchField, panel->tableView)
 {
     const UserDefaults &defaults = services.prefs.defaults();
     panel->resize(PanelPlacement::initialSize(defaults.real(panelWidthKey).value_or(0),
@@ -60,16 +61,22 @@ PopupController::PopupController(const Services &given)
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
     preparing.setSingleShot(true);
     preparing.setInterval(preparationDelay);
-    connect(&preparing, &QTimer::timeout, this, &PopupController::prepare);
+    connect(&preparing, &QTimer::timeout, this, &PopupController::prepareAhead);
+    const auto prepareIfHidden = [this] {
+        if (!isVisible())
+            prepareLater();
+    };
     connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
         if (isVisible())
             reload(true);
         else
             prepareLater();
     });
+    connect(&icons, &ClipIcons::iconsChanged, this, prepareIfHidden);
+    connect(panel->previewPane, &PreviewPane::pictureArrived, this, prepareIfHidden);
     connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PopupController::showPreview);
-    connect(&services.prefs, &Preferences::showPreviewChanged, this, [this] { prepared = false; });
+    connect(&services.prefs, &Preferences::showPreviewChanged, this, prepareIfHidden);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();
@@ -109,7 +116,15 @@ void PopupController::prepare()
 void PopupController::prepareLater()
 {
     prepared = false;
+    firstFrame.discard();
     preparing.start();
+}
+
+void PopupController::prepareAhead()
+{
+    prepare();
+    if (!isVisible())
+        firstFrame.paint();
 }
 
 void PopupController::place(const std::optional<QRectF> &caret)
@@ -146,11 +161,14 @@ void PopupController::hide()
 void PopupController::setMenuButtonVisible(bool visible)
 {
     panel->menuButton->setVisible(visible);
+    if (!isVisible())
+        prepareLater();
 }
 
 void PopupController::reload(bool keepSelection)
 {
     prepared = false;
+    firstFrame.discard();
     const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
     const int rememberedRow = panel->tableView->selectedRow();
 

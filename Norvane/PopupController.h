@@ -2,6 +2,7 @@
 
 #include "Norvane/ClipIcons.h"
 #include "Norvane/ClipListModel.h"
+#include "Norvane/FirstFrame.h"
 #include "Norvane/paste/PasteMode.h"
 #include "Norvane/store/ClipSearch.h"
 
@@ -68,6 +69,7 @@ private:
     void place(const std::optional<QRectF> &caret);
     void prepare();
     void prepareLater();
+    void prepareAhead();
     void pick(const ClipPointer &clip, PasteMode mode);
     void beep();
     void setFilter(int segment);
@@ -92,6 +94,7 @@ private:
     ClipListModel model;
     ClipIcons icons;
     std::unique_ptr<PopupPanel> panel;
+    FirstFrame firstFrame;
     ClipFilter filter_ = ClipFilter::all;
     QTimer preparing;
     bool prepared = false; // the list is as the next opening wants it

@@ -74,9 +74,9 @@ private:
 // Notes when a widget has painted its first frame after `arm`.
 class FrameWatch : public QObject {
 public:
-    explicit FrameWatch(QWidget *watched)
+    explicit FrameWatch(QWidget *widget) : watched(widget)
     {
-        watched->installEventFilter(this);
+        qApp->installEventFilter(this); // comes before every filter of the widget's own
         deadline.setSingleShot(true);
         connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     }
@@ -100,9 +100,9 @@ public:
     }
 
 protected:
-    bool eventFilter(QObject *, QEvent *event) override
+    bool eventFilter(QObject *receiver, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint && !painted && clock.isValid())
+        if (receiver == watched && event->type() == QEvent::Paint && !painted && clock.isValid())
             QTimer::singleShot(0, this, [this] { finish(); });
         return false;
     }
@@ -118,6 +118,7 @@ private:
         loop.quit();
     }
 
+    QWidget *watched;
     QEventLoop loop;
     QTimer deadline;
     QElapsedTimer clock;
