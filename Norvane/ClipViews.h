@@ -47,6 +47,13 @@ public:
     [[nodiscard]] int selectedRow() const; // -1 when none
     void selectRow(int row);
 
+    // The second lines of the rows on screen.
+    [[nodiscard]] QStringList visibleDetails() const;
+
+    // Within a paint event of the viewport that shows rows with these details already: paints those over that
+    // have others.
+    void paintChangedRows(const QStringList &paintedDetails);
+
     [[nodiscard]] QRect visualRect(const QModelIndex &index) const override;
     [[nodiscard]] QModelIndex indexAt(const QPoint &point) const override;
     void scrollTo(const QModelIndex &index, ScrollHint hint) override;
@@ -72,8 +79,11 @@ protected:
 private:
     [[nodiscard]] int rowAt(int y) const; // contents coordinates; -1 outside
     void measureRows();
+    [[nodiscard]] int firstRowBelow(int y) const; // of the viewport
+    void paintRow(QPainter *painter, QStyleOptionViewItem *option, int row) const;
 
     ClipListModel &clips;
     std::vector<int> rowTops{0}; // one more than rows: the last is the height of all
+    int textRowHeight = 0;       // that they were measured with
     int doubleClickedRow = -1;
 };

@@ -2,6 +2,7 @@
 
 #include <QFontInfo>
 #include <QGuiApplication>
+#include <QHash>
 #include <cmath>
 
 namespace {
@@ -36,22 +37,67 @@ QColor told(const QColor &colour, const QColor &target, const QColor &ground, do
     return moved;
 }
 
-QColor window(const QPalette &palette)
+struct Colours {
+    QColor label;
+    QColor secondary;
+    QColor separator;
+    QColor accent;
+    QColor onAccent;
+    QColor secondaryOnAccent;
+    QColor field;
+    QColor orange;
+};
+
+Colours coloursOf(const QPalette &palette)
 {
-    return palette.color(QPalette::Active, QPalette::Window);
+    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
+    const bool dark = Palette::isDark(palette);
+    Colours made;
+    made.label = palette.color(QPalette::Active, QPalette::WindowText);
+    made.field = blended(made.label, ground, dark ? 0.10 : 0.06);
+    const QColor faint = told(blended(made.label, ground, 0.62), made.label, ground, textContrast);
+    made.secondary = told(faint, made.label, made.field, textContrast);
+    made.separator = blended(made.label, ground, dark ? 0.22 : 0.16);
+    made.onAccent = palette.color(QPalette::Active, QPalette::HighlightedText);
+    const QColor away = luminance(made.onAccent) > 0.18 ? Qt::black : Qt::white;
+    made.accent =
+        told(palette.color(QPalette::Active, QPalette::Highlight), away, made.onAccent, textContrast);
+    made.secondaryOnAccent =
+        told(blended(made.onAccent, made.accent, 0.82), made.onAccent, made.accent, textContrast);
+    made.orange = told(QColor(245, 143, 10), made.label, ground, symbolContrast);
+    return made;
 }
 
-// The desktop font's size as a share of the reference. Kept: asking the font costs more than painting a row.
-qreal desktopRatio()
+// Kept, as a row asks for several and the contrasts take some computing. Widgets share few palettes.
+const Colours &colours(const QPalette &palette)
 {
-    static QFont known;
-    static qreal ratio = 0;
+    constexpr qsizetype palettesKept = 32;
+    static QHash<qint64, Colours> known;
+    const auto found = known.constFind(palette.cacheKey());
+    if (found != known.constEnd())
+        return *found;
+    if (known.size() >= palettesKept)
+        known.clear();
+    return *known.insert(palette.cacheKey(), coloursOf(palette));
+}
+
+// What is made of the desktop's font, kept while that stays: asking it costs more than painting a row.
+struct DesktopFont {
+    QFont font;
+    qreal ratio = 1; // of its size to the reference
+    QHash<qreal, QFont> sizes;
+};
+
+DesktopFont &desktopFont()
+{
+    static DesktopFont known;
+    static bool isKnown = false;
     const QFont now = QGuiApplication::font();
-    if (ratio == 0 || now != known) {
-        known = now;
-        ratio = QFontInfo(now).pixelSize() / referenceFontSize;
+    if (!isKnown || now != known.font) {
+        known = {now, QFontInfo(now).pixelSize() / referenceFontSize, {}};
+        isKnown = true;
     }
-    return ratio;
+    return known;
 }
 
 } // namespace
@@ -60,52 +106,47 @@ namespace Palette {
 
 QColor label(const QPalette &palette)
 {
-    return palette.color(QPalette::Active, QPalette::WindowText);
+    return colours(palette).label;
 }
 
 QColor secondary(const QPalette &palette)
 {
-    const QColor text = label(palette);
-    const QColor faint = told(blended(text, window(palette), 0.62), text, window(palette), textContrast);
-    return told(faint, text, field(palette), textContrast);
+    return colours(palette).secondary;
 }
 
 QColor separator(const QPalette &palette)
 {
-    return blended(label(palette), window(palette), isDark(palette) ? 0.22 : 0.16);
+    return colours(palette).separator;
 }
 
 QColor accent(const QPalette &palette)
 {
-    const QColor text = onAccent(palette);
-    const QColor away = luminance(text) > 0.18 ? Qt::black : Qt::white;
-    return told(palette.color(QPalette::Active, QPalette::Highlight), away, text, textContrast);
+    return colours(palette).accent;
 }
 
 QColor onAccent(const QPalette &palette)
 {
-    return palette.color(QPalette::Active, QPalette::HighlightedText);
+    return colours(palette).onAccent;
 }
 
 QColor secondaryOnAccent(const QPalette &palette)
 {
-    const QColor text = onAccent(palette), ground = accent(palette);
-    return told(blended(text, ground, 0.82), text, ground, textContrast);
+    return colours(palette).secondaryOnAccent;
 }
 
 QColor field(const QPalette &palette)
 {
-    return blended(label(palette), window(palette), isDark(palette) ? 0.10 : 0.06);
+    return colours(palette).field;
 }
 
 QColor orange(const QPalette &palette)
 {
-    return told(QColor(245, 143, 10), label(palette), window(palette), symbolContrast);
+    return colours(palette).orange;
 }
 
 bool isDark(const QPalette &palette)
 {
-    return window(palette).lightness() < 128;
+    return palette.color(QPalette::Active, QPalette::Window).lightness() < 128;
 }
 
 double contrast(const QColor &one, const QColor &other)
@@ -120,17 +161,21 @@ namespace Metrics {
 
 int scaled(qreal points)
 {
-    return qRound(points * desktopRatio());
+    return qRound(points * desktopFont().ratio);
 }
 
 QFont font(qreal points)
 {
-    QFont font = QGuiApplication::font();
+    DesktopFont &desktop = desktopFont();
+    const auto known = desktop.sizes.constFind(points);
+    if (known != desktop.sizes.constEnd())
+        return *known;
+    QFont font = desktop.font;
     if (font.pointSizeF() > 0)
         font.setPointSizeF(font.pointSizeF() * points / referenceFontSize);
     else
         font.setPixelSize(qMax(1, qRound(font.pixelSize() * points / referenceFontSize)));
-    return font;
+    return *desktop.sizes.insert(points, font);
 }
 
 } // namespace Metrics

@@ -33,7 +33,7 @@ bool needsText(PasteMode mode)
 PopupController::PopupController(const Services &given)
     : services(given), search(given.store), icons(given.desktopEntries),
       panel(std::make_unique<PopupPanel>(given.pasteboard, given.prefs, model, icons)),
-      size(given.prefs.defaults())
+      size(given.prefs.defaults()), firstFrame(panel.get(), panel->searchField, panel->tableView)
 {
     panel->resize(size.initial());
     panel->setHint(L("⏎ incolla  ·  ⇧⏎ senza formato  ·  ⌥⏎ copia  ·  ⌘E modifica  ·  ⌘P fissa  ·  "
@@ -55,16 +55,22 @@ PopupController::PopupController(const Services &given)
     connect(panel->filterControl, &FilterControl::segmentChosen, this, &PopupController::setFilter);
     preparing.setSingleShot(true);
     preparing.setInterval(preparationDelay);
-    connect(&preparing, &QTimer::timeout, this, &PopupController::prepare);
+    connect(&preparing, &QTimer::timeout, this, &PopupController::prepareAhead);
+    const auto prepareIfHidden = [this] {
+        if (!isVisible())
+            prepareLater();
+    };
     connect(&services.store, &ClipStore::ClipStoreDidChange, this, [this] {
         if (isVisible())
             reload(true);
         else
             prepareLater();
     });
+    connect(&icons, &ClipIcons::iconsChanged, this, prepareIfHidden);
+    connect(panel->previewPane, &PreviewPane::pictureArrived, this, prepareIfHidden);
     connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PopupController::showPreview);
-    connect(&services.prefs, &Preferences::showPreviewChanged, this, [this] { prepared = false; });
+    connect(&services.prefs, &Preferences::showPreviewChanged, this, prepareIfHidden);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();
@@ -104,7 +110,15 @@ void PopupController::prepare()
 void PopupController::prepareLater()
 {
     prepared = false;
+    firstFrame.discard();
     preparing.start();
+}
+
+void PopupController::prepareAhead()
+{
+    prepare();
+    if (!isVisible())
+        firstFrame.paint();
 }
 
 void PopupController::place(const std::optional<QRectF> &caret)
@@ -144,6 +158,8 @@ void PopupController::hide()
 void PopupController::setMenuButtonVisible(bool visible)
 {
     panel->menuButton->setVisible(visible);
+    if (!isVisible())
+        prepareLater();
 }
 
 void PopupController::setReadsImages(bool reads)
@@ -154,6 +170,7 @@ void PopupController::setReadsImages(bool reads)
 void PopupController::reload(bool keepSelection)
 {
     prepared = false;
+    firstFrame.discard();
     const ClipPointer rememberedClip = keepSelection ? selectedClip() : nullptr;
     const int rememberedRow = panel->tableView->selectedRow();
 

@@ -2,6 +2,7 @@
 
 #include "Norvane/ClipIcons.h"
 #include "Norvane/ClipListModel.h"
+#include "Norvane/FirstFrame.h"
 #include "Norvane/RememberedSize.h"
 #include "Norvane/paste/PasteMode.h"
 #include "Norvane/store/ClipSearch.h"
@@ -72,6 +73,7 @@ private:
     void place(const std::optional<QRectF> &caret);
     void prepare();
     void prepareLater();
+    void prepareAhead();
     void pick(const ClipPointer &clip, PasteMode mode);
     void beep();
     void setFilter(int segment);
@@ -97,6 +99,7 @@ private:
     ClipIcons icons;
     std::unique_ptr<PopupPanel> panel;
     RememberedSize size;
+    FirstFrame firstFrame;
     ClipFilter filter_ = ClipFilter::all;
     QTimer preparing;
     bool prepared = false; // the list is as the next opening wants it

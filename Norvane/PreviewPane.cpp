@@ -162,8 +162,10 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
             if (image.isNull())
                 return;
             QMetaObject::invokeMethod(qApp, [image, pane, wanted, current] {
-                if (pane && *current == wanted)
-                    pane->imageView->setImage(image);
+                if (!pane || *current != wanted)
+                    return;
+                pane->imageView->setImage(image);
+                Q_EMIT pane->pictureArrived();
             });
         });
 }

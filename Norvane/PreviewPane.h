@@ -71,6 +71,9 @@ public:
     [[nodiscard]] PreviewText &text() { return *textView; }
     [[nodiscard]] PreviewImage &image() { return *imageView; }
 
+Q_SIGNALS:
+    void pictureArrived(); // of the clip that is shown, decoded on the worker
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;

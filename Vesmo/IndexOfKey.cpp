@@ -1,13 +1,13 @@
+#include "Vesmo/ByteSearch.h"
 #include "Vesmo/Text.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
 #include <unicode/utf8.h>
 
-// A run of memmem over the keys, whose finds are looked at: what begins in the middle of a character is no
+// A run over the bytes of the keys, whose finds are looked at: what begins in the middle of a character is no
 // find.
 
 namespace {
@@ -112,12 +112,8 @@ qsizetype indexOfKey(QByteArrayView keys, QByteArrayView word, qsizetype from)
     U8_NEXT(bytes, read, word.size(), first);
     FlagHalves flags;
     while (from < keys.size()) {
-        const void *found = memmem(keys.data() + from, static_cast<size_t>(keys.size() - from), word.data(),
-                                   static_cast<size_t>(word.size()));
-        if (!found)
-            return -1;
-        const qsizetype position = static_cast<const char *>(found) - keys.data();
-        if (isCharacterStart(keys, position, first, flags))
+        const qsizetype position = indexOfBytes(keys, word, from);
+        if (position < 0 || isCharacterStart(keys, position, first, flags))
             return position;
         from = position + 1;
     }

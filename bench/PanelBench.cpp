@@ -1,25 +1,42 @@
-// Hot key press to first painted frame: the history panel with many clips against a bare window of the same
-// toolkit, shown the same way in the same run. Needs an X server of its own (tests/support/private-desktop).
+// Hot key press to first painted frame, and keystroke to painted results: the history panel with many clips
+// against a bare window of the same toolkit, shown the same way in the same run. Needs an X server of its own
+// (tests/support/private-desktop).
+
+#include "bench/SampleClips.h"
 
 #include "Norvane/AppDelegate.h"
+#include "Norvane/ClipViews.h"
+#include "Norvane/PopupPanel.h"
+#include "Norvane/SearchField.h"
 #include "Norvane/app/Preferences.h"
-#include "Norvane/store/ClipStore.h"
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
+#include <array>
 #include <cstdio>
+#include <map>
 #include <xcb/xtest.h>
 
 namespace {
 
 constexpr int openings = 40;
 constexpr int bareOpeningsFirst = 5; // thrown away: the first show of a process pays for fonts and caches
-constexpr uint8_t controlKey = 37, altKey = 64, vKey = 55; // X key codes
+constexpr int wordsTyped = 12;
+constexpr double openingAim = 1.5; // times the bare window
+constexpr double frame = 16.7;     // milliseconds, of 60 a second
+
+// X key codes.
+constexpr uint8_t controlKey = 37, altKey = 64, vKey = 55, backspaceKey = 22;
+constexpr struct {
+    const char *word;
+    std::array<uint8_t, 6> keys; // 0: none
+} words[] = {{"perche", {33, 26, 27, 54, 43, 26}},
+             {"zzyzx", {52, 52, 29, 52, 53, 0}},
+             {"e no", {26, 65, 57, 32, 0, 0}}};
 
 // Types keys as a person's keyboard would, from a connection of its own.
 class Typist {
@@ -33,6 +50,11 @@ public:
     {
         xcb_test_fake_input(connection, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
         xcb_flush(connection);
+    }
+    void tap(uint8_t key)
+    {
+        send(XCB_KEY_PRESS, key);
+        send(XCB_KEY_RELEASE, key);
     }
     void holdModifiers()
     {
@@ -49,12 +71,12 @@ private:
     xcb_connection_t *connection;
 };
 
-// Notes when a window has painted its first frame after `arm`.
+// Notes when a widget has painted its first frame after `arm`.
 class FrameWatch : public QObject {
 public:
-    explicit FrameWatch(QWidget *watched)
+    explicit FrameWatch(QWidget *widget) : watched(widget)
     {
-        watched->installEventFilter(this);
+        qApp->installEventFilter(this); // comes before every filter of the widget's own
         deadline.setSingleShot(true);
         connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     }
@@ -64,7 +86,7 @@ public:
         painted = false;
         clock.start();
     }
-    [[nodiscard]] double microseconds() const { return static_cast<double>(elapsed) / 1000; }
+    [[nodiscard]] double milliseconds() const { return static_cast<double>(elapsed) / 1e6; }
 
     // In an event loop of its own, which sleeps until there is something to do: polling would measure the
     // polling.
@@ -78,9 +100,9 @@ public:
     }
 
 protected:
-    bool eventFilter(QObject *, QEvent *event) override
+    bool eventFilter(QObject *receiver, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint && !painted && clock.isValid())
+        if (receiver == watched && event->type() == QEvent::Paint && !painted && clock.isValid())
             QTimer::singleShot(0, this, [this] { finish(); });
         return false;
     }
@@ -96,6 +118,7 @@ private:
         loop.quit();
     }
 
+    QWidget *watched;
     QEventLoop loop;
     QTimer deadline;
     QElapsedTimer clock;
@@ -103,86 +126,153 @@ private:
     bool painted = false;
 };
 
-std::vector<double> measure(QWidget *window, Typist &typist, const std::function<bool()> &isHidden)
+double median(std::vector<double> times)
 {
-    FrameWatch watch(window);
+    std::sort(times.begin(), times.end());
+    return times.empty() ? 0 : times[times.size() / 2];
+}
+
+// A window with a field to type into, and where what was typed shows.
+struct Subject {
+    QWidget *window;
+    QLineEdit *field;
+    QWidget *results;
+    std::function<bool()> isHidden;
+};
+
+void toggle(Typist &typist)
+{
+    typist.holdModifiers();
+    typist.tap(vKey);
+    typist.letModifiersGo();
+}
+
+void close(const Subject &subject, Typist &typist)
+{
+    toggle(typist);
+    if (!QTest::qWaitFor(subject.isHidden, 3000))
+        std::fprintf(stderr, "the window did not close\n");
+    QTest::qWait(250);
+}
+
+// The time of one opening; absent when there was none.
+std::optional<double> open(FrameWatch &watch, Typist &typist)
+{
+    typist.holdModifiers();
+    watch.arm();
+    typist.send(XCB_KEY_PRESS, vKey);
+    const bool opened = watch.awaitFrame();
+    typist.send(XCB_KEY_RELEASE, vKey);
+    typist.letModifiersGo();
+    QTest::qWait(60); // an open panel at rest
+    return opened ? std::optional(watch.milliseconds()) : std::nullopt;
+}
+
+double measureOpening(const Subject &subject, Typist &typist)
+{
+    FrameWatch watch(subject.window);
     std::vector<double> times;
     for (int i = 0; i < openings + bareOpeningsFirst; ++i) {
-        typist.holdModifiers();
-        watch.arm();
-        typist.send(XCB_KEY_PRESS, vKey);
-        const bool opened = watch.awaitFrame();
-        typist.send(XCB_KEY_RELEASE, vKey);
-        typist.letModifiersGo();
-        if (!opened)
-            continue;
-        if (i >= bareOpeningsFirst)
-            times.push_back(watch.microseconds());
-        QTest::qWait(60); // an open panel at rest
-        typist.holdModifiers();
-        typist.send(XCB_KEY_PRESS, vKey);
-        typist.send(XCB_KEY_RELEASE, vKey);
-        typist.letModifiersGo();
-        if (!QTest::qWaitFor(isHidden, 3000))
-            std::fprintf(stderr, "the window did not close\n");
-        QTest::qWait(250);
+        const auto time = open(watch, typist);
+        if (time && i >= bareOpeningsFirst)
+            times.push_back(*time);
+        close(subject, typist);
     }
-    std::sort(times.begin(), times.end());
-    return times;
+    return median(times);
 }
 
-double median(const std::vector<double> &sorted)
+// Milliseconds from each keystroke to its painted results: the median of all, and of the dearest letter.
+struct Typing {
+    double median = 0;
+    double worst = 0;
+    QString worstQuery;
+};
+
+Typing measureTyping(const Subject &subject, Typist &typist)
 {
-    return sorted.empty() ? 0 : sorted[sorted.size() / 2];
+    FrameWatch opening(subject.window);
+    if (!open(opening, typist))
+        return {};
+    FrameWatch watch(subject.results);
+    std::map<QString, std::vector<double>> byQuery;
+    std::vector<double> all;
+    for (int round = 0; round < wordsTyped; ++round) {
+        const auto &[word, keys] = words[static_cast<size_t>(round) % std::size(words)];
+        for (size_t i = 0; i < keys.size() && keys[i] != 0; ++i) {
+            watch.arm();
+            typist.tap(keys[i]);
+            if (watch.awaitFrame()) {
+                all.push_back(watch.milliseconds());
+                byQuery[QString::fromLatin1(word).left(static_cast<qsizetype>(i) + 1)].push_back(all.back());
+            }
+            QTest::qWait(40);
+        }
+        while (!subject.field->text().isEmpty()) {
+            typist.tap(backspaceKey);
+            QTest::qWait(40);
+        }
+    }
+    close(subject, typist);
+    Typing typing{median(all), 0, {}};
+    for (const auto &[query, times] : byQuery) {
+        if (median(times) > typing.worst) {
+            typing.worst = median(times);
+            typing.worstQuery = query;
+        }
+    }
+    return typing;
 }
 
-double bareWindow(Typist &typist)
+struct Figures {
+    double opening = 0;
+    Typing typing;
+};
+
+Figures measure(const Subject &subject, Typist &typist)
+{
+    const double opening = measureOpening(subject, typist);
+    return {opening, measureTyping(subject, typist)};
+}
+
+Figures bareWindow(Typist &typist)
 {
     const auto platform = makeLinuxPlatform();
     QWidget window;
     window.setObjectName(QStringLiteral("bare"));
     QLineEdit field(&window);
     window.resize(780, 470);
-    platform->panelSurface->adopt(&window);
+    PanelSurface &surface = *platform->panelSurface;
+    surface.adopt(&window);
     platform->hotKeys->onPress = [&] {
-        if (platform->panelSurface->isPresented())
-            platform->panelSurface->dismiss();
+        if (surface.isPresented())
+            surface.dismiss();
         else
-            platform->panelSurface->present({200, 200, 780, 470});
+            surface.present({200, 200, 780, 470});
     };
     if (platform->hotKeys->registerHotKey(KeyCode::v, ModifierFlag::option | ModifierFlag::command) != 0)
-        return 0;
-    return median(measure(&window, typist, [&platform] { return !platform->panelSurface->isPresented(); }));
+        return {};
+    field.setFocus();
+    return measure({&window, &field, &field, [&surface] { return !surface.isPresented(); }}, typist);
 }
 
-void fill(const QString &folder, int clips)
-{
-    ClipStore store(folder);
-    for (int i = 0; i < clips; ++i) {
-        CapturedClip capture;
-        capture.text = QStringLiteral("Appunto numero %1: perché il caffè è buono e la riga è lunga").arg(i);
-        capture.hash = contentHash(QStringLiteral("text\n") + capture.text);
-        capture.appName = QStringLiteral("Editor");
-        capture.formats = {{0, QStringLiteral("public.utf8-plain-text"), capture.text.toUtf8()}};
-        store.add(capture);
-    }
-}
-
-double panel(Typist &typist, int clips)
+Figures panel(Typist &typist, int clips)
 {
     const QTemporaryDir folder;
-    fill(folder.path(), clips);
+    fillHistory(folder.path(), clips);
     const auto platform = makeLinuxPlatform();
     Preferences prefs(*platform->defaults);
     prefs.setMaxItems(clips);
     AppDelegate delegate(*platform, prefs, folder.path());
     delegate.finishLaunching();
-    QWidget *window = nullptr;
+    PopupPanel *window = nullptr;
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == QStringLiteral("history"))
-            window = widget;
+        if (auto *found = qobject_cast<PopupPanel *>(widget))
+            window = found;
     }
-    return median(measure(window, typist, [&platform] { return !platform->panelSurface->isPresented(); }));
+    PanelSurface &surface = *platform->panelSurface;
+    return measure({window, window->searchField, window->tableView->viewport(),
+                    [&surface] { return !surface.isPresented(); }},
+                   typist);
 }
 
 } // namespace
@@ -192,12 +282,19 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     Typist typist;
-    const double bare = bareWindow(typist);
-    std::printf("bare window: %.2f ms (median of %d)\n", bare / 1000, openings);
-    for (const int clips : {500, 5000}) {
-        const double own = panel(typist, clips);
-        std::printf("panel with %d clips: %.2f ms, %.2f x the bare window (aim 1.5)\n", clips, own / 1000,
-                    own / bare);
+    const Figures bare = bareWindow(typist);
+    std::printf("bare window: opening %.2f ms (median of %d), keystroke %.2f ms\n", bare.opening, openings,
+                bare.typing.median);
+    bool met = bare.opening > 0 && bare.typing.median > 0;
+    for (const int clips : {500, 100000}) {
+        const Figures own = panel(typist, clips);
+        std::printf(
+            "panel with %d clips: opening %.2f ms, keystroke %.2f ms, of the dearest (\"%s\") %.2f ms\n",
+            clips, own.opening, own.typing.median, qUtf8Printable(own.typing.worstQuery), own.typing.worst);
+        const QByteArray number = QByteArray::number(clips);
+        met &= report("opening, " + number + ":", own.opening / bare.opening, "bare window", openingAim);
+        met &= report("keystroke, " + number + ":", own.typing.median / frame, "60 Hz frame", 1);
+        std::printf("keystroke, %d: %.2f x bare window\n", clips, own.typing.median / bare.typing.median);
     }
-    return bare > 0 ? 0 : 1;
+    return met ? 0 : 1;
 }

@@ -11,18 +11,6 @@
 
 namespace {
 
-void fill(ClipStore &store, int count)
-{
-    QRandomGenerator random(1);
-    for (int i = 0; i < count; ++i) {
-        CapturedClip capture;
-        capture.text = sampleText(random);
-        capture.hash = QString::number(i);
-        capture.appName = QStringLiteral("Firefox");
-        store.add(capture);
-    }
-}
-
 // Nanoseconds a character.
 double perCharacter(double milliseconds, qsizetype characters)
 {
@@ -56,8 +44,8 @@ bool benchText()
             std::abort();
         const QByteArray folding = QByteArray("folding, ") + name + ":";
         const QByteArray counting = QByteArray("counting, ") + name + ":";
-        met &= report(folding.constData(), perCharacter(fold, text.size()), "ns a character", foldAim);
-        met &= report(counting.constData(), perCharacter(count, text.size()), "ns a character", countAim);
+        met &= report(folding, perCharacter(fold, text.size()), "ns a character", foldAim);
+        met &= report(counting, perCharacter(count, text.size()), "ns a character", countAim);
     }
     return met;
 }
@@ -71,8 +59,10 @@ struct Case {
 bool benchSearch(int count, int runs)
 {
     const QTemporaryDir scratch(QStringLiteral("/dev/shm/bench-XXXXXX"));
-    ClipStore store(scratch.isValid() ? scratch.path() : QDir::tempPath());
-    fill(store, count);
+    const QTemporaryDir fallback;
+    const QString folder = scratch.isValid() ? scratch.path() : fallback.path();
+    fillHistory(folder, count);
+    ClipStore store(folder);
     QByteArray bytes;
     for (const auto &clip : store.clips())
         bytes += foldedKey(clip->text);
@@ -103,7 +93,7 @@ bool benchSearch(int count, int runs)
         }
         std::printf("%d clips, %s: %.2f ms\n", count, name, best);
         const QByteArray subject = QByteArray(name) + ", " + QByteArray::number(count) + ":";
-        met &= report(subject.constData(), best / memory, "memchr", 12);
+        met &= report(subject, best / memory, "memchr", 12);
     }
     return met;
 }

@@ -1,7 +1,5 @@
 #include "bench/SampleClips.h"
 
-#include "Norvane/store/HistorySchema.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -21,38 +19,6 @@ sqlite3 *openBare(const QString &file)
     sqlite3_open(QFile::encodeName(file).constData(), &db);
     sqlite3_exec(db, "PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON", nullptr, nullptr, nullptr);
     return db;
-}
-
-// Rows as they come from captures; one in ten has a thumbnail of 4 kB.
-void fill(const QString &folder, int count)
-{
-    QRandomGenerator random(1);
-    {
-        const ClipStore store(folder);
-    }
-    sqlite3 *db = openBare(folder + QStringLiteral("/clips.sqlite"));
-    sqlite3_stmt *insert = nullptr;
-    sqlite3_prepare_v2(db, insertClip, -1, &insert, nullptr);
-    sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
-    const QByteArray thumbnail(4096, 't');
-    for (int i = 0; i < count; ++i) {
-        const QByteArray text = sampleText(random).toUtf8();
-        const QByteArray hash = contentHash(text).toLatin1();
-        sqlite3_bind_text(insert, 1, text.constData(), -1, SQLITE_STATIC);
-        sqlite3_bind_text(insert, 2, hash.constData(), -1, SQLITE_STATIC);
-        sqlite3_bind_double(insert, 3, 800000000 + i);
-        sqlite3_bind_int64(insert, 4, text.size());
-        if (i % 10 == 0)
-            sqlite3_bind_blob(insert, 5, thumbnail.constData(), static_cast<int>(thumbnail.size()),
-                              SQLITE_STATIC);
-        else
-            sqlite3_bind_null(insert, 5);
-        sqlite3_step(insert);
-        sqlite3_reset(insert);
-    }
-    sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
-    sqlite3_finalize(insert);
-    sqlite3_close(db);
 }
 
 qint64 loadBare(const QString &file)
@@ -77,7 +43,7 @@ qint64 loadBare(const QString &file)
 bool benchLoad(int count, int runs)
 {
     const QTemporaryDir folder;
-    fill(folder.path(), count);
+    fillHistory(folder.path(), count);
     const QString file = folder.path() + QStringLiteral("/clips.sqlite");
     double bare = std::numeric_limits<double>::max();
     double ours = bare;
@@ -90,7 +56,7 @@ bool benchLoad(int count, int runs)
     }
     std::printf("load %d: bare loop %.1f ms, store %.1f ms\n", count, bare, ours);
     const QByteArray subject = "load " + QByteArray::number(count) + ":";
-    return report(subject.constData(), ours / bare, "bare loop", 1.5);
+    return report(subject, ours / bare, "bare loop", 1.5);
 }
 
 CapturedClip capture(const QString &text)
@@ -109,8 +75,8 @@ bool benchCapture(const QString &scratch, const char *subject, int runs, double 
     const QTemporaryDir bareFolder(scratch);
     const QTemporaryDir ourFolder(scratch);
     constexpr int known = 5000;
-    fill(bareFolder.path(), known);
-    fill(ourFolder.path(), known);
+    fillHistory(bareFolder.path(), known);
+    fillHistory(ourFolder.path(), known);
     sqlite3 *db = openBare(bareFolder.path() + QStringLiteral("/clips.sqlite"));
     sqlite3_stmt *clip = nullptr;
     sqlite3_stmt *format = nullptr;
@@ -150,7 +116,7 @@ bool benchCapture(const QString &scratch, const char *subject, int runs, double 
     sqlite3_close(db);
     std::printf("one copy, %s: bare transaction %.3f ms, store %.3f ms\n", subject, bare, ours);
     const QByteArray line = QByteArray("one copy, ") + subject + ":";
-    return report(line.constData(), ours / bare, "bare transaction", aim);
+    return report(line, ours / bare, "bare transaction", aim);
 }
 
 void benchLargeCopy()

@@ -7,6 +7,7 @@
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <chrono>
 #include <map>
@@ -15,6 +16,8 @@ namespace {
 
 // Long enough for the panel to have left the screen.
 constexpr std::chrono::milliseconds pasteDelay{50};
+
+constexpr qint64 readAtOnce = 1 << 20; // bytes: in less than a frame
 
 const QString askedAccessibility = QStringLiteral("askedAccessibility");
 
@@ -50,27 +53,53 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
 {
     // The list that `chosen` stands in changes below.
     const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
+    ++choices;
     switch (mode.kind()) {
     case PasteMode::transform:
         writeText(apply(mode.textTransform(), clip->fullText(services.store).value_or(QString())),
                   services.pasteboard);
         break;
     case PasteMode::paste:
-    case PasteMode::copy: {
-        const auto formats = services.store.formats(*clip);
-        if (formats.empty() &&
-            clip->size > 0) { // unreadable: what the user has on the pasteboard stays there
-            services.workspace.beep(nullptr);
+    case PasteMode::copy:
+        if (clip->size > readAtOnce) {
+            readAndWrite(clip, mode);
             return;
         }
-        writeFormats(formats, services.pasteboard);
+        if (!write(*clip, services.store.formats(*clip)))
+            return;
         break;
-    }
     case PasteMode::plain:
     case PasteMode::copyText:
         writeText(plainTextOf(*clip, services.store), services.pasteboard);
         break;
     }
+    finish(clip, mode);
+}
+
+void PasteService::readAndWrite(const ClipPointer &clip, PasteMode mode)
+{
+    const auto isLatest = [this, number = choices, change = services.pasteboard.changeCount()] {
+        return number == choices && change == services.pasteboard.changeCount();
+    };
+    services.store.readFormats(*clip, [guard = QPointer(this), isLatest, clip, mode](const auto &formats) {
+        if (guard && isLatest() && guard->write(*clip, formats))
+            guard->finish(clip, mode);
+    });
+}
+
+// False when the clip is unreadable: what the user has on the pasteboard stays there.
+bool PasteService::write(const Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    if (formats.empty() && clip.size > 0) {
+        services.workspace.beep(nullptr);
+        return false;
+    }
+    writeFormats(formats, services.pasteboard);
+    return true;
+}
+
+void PasteService::finish(const ClipPointer &clip, PasteMode mode)
+{
     services.monitor.ignoreCurrentChange();
     services.store.moveToTop(clip);
     if (mode != PasteMode::copy && mode != PasteMode::copyText)

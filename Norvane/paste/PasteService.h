@@ -31,6 +31,8 @@ public:
     };
     explicit PasteService(const Services &services);
 
+    // A large clip is read on a worker: then all this happens a moment after the call. It does not happen
+    // where something else is chosen or copied first.
     void paste(const ClipPointer &clip, PasteMode mode);
 
     // Types the paste stroke 0.05 s from now, if the settings and the desktop allow it.
@@ -40,7 +42,11 @@ public:
     std::function<void()> onAskAccessibility;
 
 private:
+    void readAndWrite(const ClipPointer &clip, PasteMode mode);
+    bool write(const Clip &clip, const std::vector<ClipFormat> &formats);
+    void finish(const ClipPointer &clip, PasteMode mode);
     void postCommandV();
 
     Services services;
+    quint64 choices = 0;
 };

@@ -2,10 +2,13 @@
 
 #include "Norvane/store/ClipStore.h"
 #include "Norvane/store/SearchArena.h"
+#include "Vesmo/ByteSearch.h"
 #include "Vesmo/Localisation.h"
 #include "Vesmo/Text.h"
 
 #include <algorithm>
+#include <limits>
+#include <numeric>
 #include <unordered_map>
 
 namespace {
@@ -16,9 +19,11 @@ struct Term {
     QString lower;
     QByteArray key;           // empty for a word of joiners and marks alone, which is searched as it stands
     bool findsImages = false; // it begins the name of images
+    int effort = 0;           // the more clips are likely to match, the more
 
     explicit Term(const QString &text) : word(text), lower(text.toLower()), key(foldedKey(text))
     {
+        effort = key.isEmpty() ? std::numeric_limits<int>::max() : commonness(key);
         findsImages = L("immagine").startsWith(lower) || QStringLiteral("immagine").startsWith(lower);
     }
 
@@ -137,6 +142,7 @@ struct ClipSearch::Private {
     void takeKeys();
     void foldMissing(const std::vector<quint32> &positions);
     void keepMatches(std::vector<quint32> &positions, const Term &term);
+    [[nodiscard]] std::vector<quint32> passingPositions(ClipFilter filter) const;
     [[nodiscard]] std::vector<quint32> matchingPositions(ClipFilter filter, const std::vector<Term> &terms);
     [[nodiscard]] bool narrowsLast(ClipFilter filter, const std::vector<Term> &terms) const;
     [[nodiscard]] bool contains(const Record &record, const Term &term) const;
@@ -281,20 +287,32 @@ std::vector<quint32> ClipSearch::Private::matchingPositions(ClipFilter filter, c
     if (narrowing) {
         positions = std::move(last->positions);
     } else {
-        for (quint32 i = 0; i < order.size(); ++i) {
-            if (passes(filter, *records[order[i]].clip))
-                positions.push_back(i);
-        }
+        positions = passingPositions(filter);
     }
     if (terms.empty())
         return positions;
     takeKeys();
     foldMissing(positions);
+    std::vector<const Term *> unanswered;
     for (size_t i = 0; i < terms.size(); ++i) {
         const bool answered = narrowing && i < last->terms.size() && last->terms[i].word == terms[i].word;
         if (!answered)
-            keepMatches(positions, terms[i]);
+            unanswered.push_back(&terms[i]);
     }
+    // The likely rarest first: the others are then looked for in what it leaves.
+    std::ranges::stable_sort(unanswered, {}, &Term::effort);
+    for (const Term *term : unanswered)
+        keepMatches(positions, *term);
+    return positions;
+}
+
+std::vector<quint32> ClipSearch::Private::passingPositions(ClipFilter filter) const
+{
+    std::vector<quint32> positions(order.size());
+    std::iota(positions.begin(), positions.end(), 0U);
+    if (filter != ClipFilter::all)
+        std::erase_if(positions,
+                      [&](quint32 position) { return !passes(filter, *records[order[position]].clip); });
     return positions;
 }
 

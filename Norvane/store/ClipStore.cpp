@@ -35,6 +35,7 @@ double secondsSinceReferenceDate()
 ClipStore::ClipStore(const QString &folder, std::function<double()> clock)
     : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock))
 {
+    readers.setMaxThreadCount(1); // one large clip in memory at a time
     createPrivateFolder(QDir::cleanPath(folder));
     open();
 }
@@ -53,14 +54,23 @@ std::vector<ClipFormat> ClipStore::formats(const Clip &clip) const
 {
     if (const auto waiting = unsaved.find(clip.id); waiting != unsaved.end())
         return waiting->second;
-    std::vector<ClipFormat> formats;
-    if (!db)
-        return formats;
-    db->query(HistorySQL::formatsOfClip, {clip.id}, [&formats](const SQLRow &row) {
-        formats.push_back(
-            {row.integer(0), row.text(1).value_or(QString()), row.blob(2).value_or(QByteArray())});
+    return db ? loadFormats(*db, clip.id) : std::vector<ClipFormat>();
+}
+
+void ClipStore::readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done)
+{
+    const auto deliver = [this, done = std::move(done)](std::vector<ClipFormat> formats) {
+        QMetaObject::invokeMethod(
+            this, [done, formats = std::move(formats)] { done(formats); }, Qt::QueuedConnection);
+    };
+    if (!db || unsaved.contains(clip.id)) {
+        deliver(formats(clip));
+        return;
+    }
+    readers.start([deliver, file = path, id = clip.id] {
+        const auto reader = Database::open(file, Database::Access::read);
+        deliver(reader ? loadFormats(*reader, id) : std::vector<ClipFormat>());
     });
-    return formats;
 }
 
 ClipPointer ClipStore::add(const CapturedClip &capture)

@@ -3,6 +3,7 @@
 #include "Norvane/store/Clip.h"
 
 #include <QObject>
+#include <QThreadPool>
 #include <functional>
 #include <memory>
 #include <unordered_map>
@@ -37,6 +38,10 @@ public:
 
     // The stored formats in their order, read from the file; none without a database.
     [[nodiscard]] std::vector<ClipFormat> formats(const Clip &clip) const;
+
+    // The same, read on a worker from a connection of its own: hundreds of megabytes take up to a second.
+    // `done` is called from the event loop, unless the store is gone first.
+    void readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done);
 
     // Grows with every change, before it is posted.
     [[nodiscard]] quint64 changeCount() const { return changes; }
@@ -80,4 +85,5 @@ private:
     std::unordered_map<qint64, std::vector<ClipFormat>>
         unsaved; // replaced formats the file did not take, by clip id
     quint64 changes = 0;
+    QThreadPool readers; // last: ends before what it reads
 };

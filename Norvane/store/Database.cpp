@@ -93,7 +93,7 @@ std::unique_ptr<Database> Database::open(const QString &path, Access access)
     const QByteArray file = QFile::encodeName(path);
     std::unique_ptr<Database> opened(new Database(access));
     int result = SQLITE_OK;
-    if (access == Access::salvage) {
+    if (access != Access::readWrite) {
         result = sqlite3_open_v2(file.constData(), &opened->db, SQLITE_OPEN_READONLY, nullptr);
     } else {
         makePrivate(file);
@@ -107,7 +107,7 @@ std::unique_ptr<Database> Database::open(const QString &path, Access access)
     if (access == Access::readWrite) {
         opened->exec("PRAGMA journal_mode = WAL");
         opened->exec("PRAGMA foreign_keys = ON");
-    } else {
+    } else if (access == Access::salvage) {
         opened->exec("PRAGMA writable_schema = ON"); // or nothing at all is read of a file that was cut off
     }
     return opened;
@@ -118,7 +118,7 @@ Database::~Database()
     for (const auto &[sql, statement] : idleStatements)
         sqlite3_finalize(statement);
     // What is damaged is kept as it was found, its log beside it.
-    if (db && (damaged || access == Access::salvage))
+    if (db && (damaged || access != Access::readWrite))
         sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     sqlite3_close(db);
 }
@@ -202,7 +202,7 @@ bool Database::finish(sqlite3_stmt *statement, const QByteArray &sql, int result
 void Database::noteFailure(const QByteArray &sql)
 {
     const int result = sqlite3_errcode(db) & 0xff;
-    if (access == Access::readWrite)
+    if (access != Access::salvage)
         logLine(QString::fromUtf8("Norvane SQL: " + QByteArray(sqlite3_errmsg(db)) + " — " + sql));
     if (damaged || (result != SQLITE_CORRUPT && result != SQLITE_NOTADB))
         return;

@@ -48,8 +48,9 @@ class Database {
 public:
     static constexpr int busyLimit = 250; // milliseconds
 
-    // To salvage is to read a damaged file: it is not changed, and its failures are expected and not logged.
-    enum class Access { readWrite, salvage };
+    // To read is to leave all changes to another connection. To salvage is to read a damaged file: it is not
+    // changed, and its failures are expected and not logged.
+    enum class Access { readWrite, read, salvage };
 
     // Opens the file, or creates it with mode 0600. Null, with a line in the log, when that is impossible.
     [[nodiscard]] static std::unique_ptr<Database> open(const QString &path,

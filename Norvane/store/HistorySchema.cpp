@@ -86,6 +86,16 @@ ClipPointer clipFromRow(const SQLRow &row)
     return clip;
 }
 
+std::vector<ClipFormat> loadFormats(Database &db, qint64 clip)
+{
+    std::vector<ClipFormat> formats;
+    db.query(HistorySQL::formatsOfClip, {clip}, [&formats](const SQLRow &row) {
+        formats.push_back(
+            {row.integer(0), row.text(1).value_or(QString()), row.blob(2).value_or(QByteArray())});
+    });
+    return formats;
+}
+
 ClipList loadClips(Database &db)
 {
     // Otherwise the sort goes through temporary files: twice as slow, and copies of the history outside its

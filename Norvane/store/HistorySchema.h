@@ -34,5 +34,8 @@ void prepareSchema(Database &db);
 // A row whose columns are those of HistorySQL::load.
 [[nodiscard]] ClipPointer clipFromRow(const SQLRow &row);
 
+// What the clip of this number was stored with; none when it cannot be read.
+[[nodiscard]] std::vector<ClipFormat> loadFormats(Database &db, qint64 clip);
+
 // Every row, newest first.
 [[nodiscard]] ClipList loadClips(Database &db);

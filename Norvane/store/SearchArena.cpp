@@ -8,6 +8,7 @@
 namespace {
 
 constexpr qsizetype segmentLength = 1 << 20; // bytes; about what the worker folds in one go
+constexpr size_t keysAhead = 6;
 constexpr quint32 noRecord = std::numeric_limits<quint32>::max();
 
 quint32 endOfKey(const FoldedKeys &block, size_t index)
@@ -60,6 +61,8 @@ void SearchArena::search(QByteArrayView word, const std::function<void(quint32)>
                 found(segment.entries[entry].record);
             if (++entry < segment.entries.size())
                 position = segment.entries[entry].start;
+            if (entry + keysAhead < segment.entries.size()) // a frequent word goes from key to key
+                __builtin_prefetch(segment.bytes.constData() + segment.entries[entry + keysAhead].start);
         }
     }
 }

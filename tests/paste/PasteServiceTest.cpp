@@ -104,6 +104,37 @@ TEST_F(PasteServiceTest, PasteGivesBackEveryItemAsItWasCopied)
     EXPECT_TRUE(QTest::qWaitFor([this] { return keyEvents.pasteCount == 1; }));
 }
 
+TEST_F(PasteServiceTest, ALargeClipFollowsWhenItIsReadUnlessSomethingElseComesFirst)
+{
+    const std::vector<PasteboardItem> items{itemOf(u"x/large"_qs, QByteArray(8 << 20, 'l'))};
+    CapturedClip capture;
+    capture.hash = u"large"_qs;
+    capture.formats = {{0, u"x/large"_qs, *items[0].data(u"x/large"_qs)}};
+    const ClipPointer large = store.add(capture);
+    const ClipPointer small = copied({itemOf(plainText, "small")});
+    const auto isLarge = [&] { return contents() == items; };
+
+    service.paste(large, PasteMode::paste);
+    EXPECT_FALSE(isLarge()) << "the caller has waited for it";
+    ASSERT_TRUE(QTest::qWaitFor(isLarge));
+    EXPECT_EQ(store.clips().front(), large);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return keyEvents.pasteCount == 1; }));
+
+    for (const bool chosen : {true, false}) {
+        service.paste(large, PasteMode::copy);
+        if (chosen)
+            service.paste(small, PasteMode::copy);
+        else
+            copied({itemOf(plainText, "small")});
+        bool read = false;
+        store.readFormats(*large, [&](const auto &formats) { read = formats == capture.formats; });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return read; }));
+        EXPECT_EQ(contents(), std::vector{itemOf(plainText, "small")});
+        service.paste(large, PasteMode::copy);
+        ASSERT_TRUE(QTest::qWaitFor(isLarge));
+    }
+}
+
 TEST_F(PasteServiceTest, PlainGivesTheTextAlone)
 {
     const auto styled = copied({{{{u"public.html"_qs, "<b>a</b>"}, {plainText, "a"}}}});

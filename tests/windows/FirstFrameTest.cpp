@@ -1,0 +1,148 @@
+#include "Norvane/FirstFrame.h"
+
+#include "Norvane/ClipTitles.h"
+#include "Norvane/FilterControl.h"
+#include "Norvane/PopupController.h"
+#include "Norvane/PopupPanel.h"
+#include "Norvane/Theme.h"
+#include "Norvane/app/Preferences.h"
+#include "Norvane/store/ClipStore.h"
+#include "Platform/memory/MemoryPlatform.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Keeps the toolkit from painting anything after the first frame.
+class NoSecondFrame : public QObject {
+public:
+    NoSecondFrame() { qApp->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        return event->type() == QEvent::UpdateRequest || event->type() == QEvent::UpdateLater;
+    }
+};
+
+class PaintWatch : public QObject {
+public:
+    explicit PaintWatch(QWidget *widget) : watched(widget) { qApp->installEventFilter(this); }
+    bool painted = false;
+
+protected:
+    bool eventFilter(QObject *receiver, QEvent *event) override
+    {
+        painted |= receiver == watched && event->type() == QEvent::Paint;
+        return false;
+    }
+
+private:
+    QWidget *watched;
+};
+
+class FirstFrameTest : public ::testing::Test {
+protected:
+    FirstFrameTest()
+    {
+        QApplication::setCursorFlashTime(0);
+        for (const auto &text : {u"uno"_qs, u"due"_qs, u"tre"_qs})
+            add(text);
+        popup.show(); // which lays it out
+        popup.hide();
+        letPrepare();
+    }
+    ~FirstFrameTest() override { QApplication::setPalette(QPalette()); }
+
+    void add(const QString &text)
+    {
+        CapturedClip capture;
+        capture.text = text;
+        capture.hash = contentHash(text);
+        store.add(capture);
+    }
+
+    // The picture is made when the changes have come to rest; some changes call for none.
+    void letPrepare()
+    {
+        PaintWatch watch(panel.filterControl);
+        static_cast<void>(QTest::qWaitFor([&watch] { return watch.painted; }, 400));
+    }
+
+    QImage screen() { return panel.screen()->grabWindow(panel.winId()).toImage(); }
+
+    // Opens the panel, and gives its first frame and what a whole painting of it shows.
+    std::pair<QImage, QImage> open()
+    {
+        QImage first;
+        {
+            const NoSecondFrame onlyOne;
+            popup.show();
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(&panel));
+            QCoreApplication::processEvents();
+            first = screen();
+        }
+        panel.repaint();
+        return {first, screen()};
+    }
+
+    double age = 0; // of clips at their capture
+    QTemporaryDir folder;
+    std::unique_ptr<Platform> platform = makeMemoryPlatform();
+    Preferences prefs{*platform->defaults};
+    ClipStore store{folder.path(), [this] { return secondsSinceReferenceDate() - age; }};
+    PopupController popup{{store, prefs, *platform->pasteboard, *platform->panelSurface, *platform->screens,
+                           *platform->workspace, *platform->desktopEntries}};
+    PopupPanel &panel{popup.window()};
+};
+
+} // namespace
+
+TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
+{
+    const std::pair<const char *, std::function<void()>> changes[] = {
+        {"nothing", [] {}},
+        {"a copy", [this] { add(u"quattro"_qs); }},
+        {"a pin", [this] { store.setPinned(store.clips()[1], true); }},
+        {"no preview", [this] { prefs.setShowPreview(false); }},
+        {"the size", [this] { panel.resize(panel.width() + 60, panel.height() + 30); }},
+        {"the menu's button", [this] { popup.setMenuButtonVisible(true); }},
+        {"the colours", [] { QApplication::setPalette(Theme::darkPalette()); }},
+    };
+    for (const auto &[what, change] : changes) {
+        for (const bool prepared : {false, true}) {
+            change();
+            if (prepared)
+                letPrepare();
+            const auto [first, whole] = open();
+            ASSERT_FALSE(first.isNull());
+            EXPECT_EQ(first, whole) << what << (prepared ? ", at rest" : ", just before");
+            popup.hide();
+            letPrepare();
+        }
+    }
+}
+
+TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
+{
+    age = 44; // seconds: one more, and it is no longer "now"
+    add(u"vecchio"_qs);
+    const ClipPointer clip = store.clips().front();
+    const QString before = detailText(*clip);
+    letPrepare();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return detailText(*clip) != before; }));
+    const auto [first, whole] = open();
+    EXPECT_EQ(first, whole);
+}
+
+TEST_F(FirstFrameTest, IsPaintedBeforeTheOpening)
+{
+    panel.countLabel->setText(u"changed behind its back"_qs);
+    const auto [first, whole] = open();
+    EXPECT_NE(first, whole);
+}
