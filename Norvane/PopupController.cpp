@@ -165,6 +165,8 @@ void PopupController::setMenuButtonVisible(bool visible)
 void PopupController::setReadsImages(bool reads)
 {
     panel->previewPane->setReadsImages(reads);
+    if (!isVisible())
+        prepareLater();
 }
 
 void PopupController::reload(bool keepSelection)
