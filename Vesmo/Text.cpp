@@ -26,22 +26,22 @@ bool isLineEnd(char16_t unit)
     return unit == u'\r' || unit == u'\n';
 }
 
-icu::BreakIterator *clusterIterator()
+std::unique_ptr<icu::BreakIterator> makeIterator()
 {
-    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::BreakIterator> made(
-            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-        return U_SUCCESS(status) ? std::move(made) : nullptr;
-    }();
-    return iterator.get();
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::BreakIterator> made(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    return U_SUCCESS(status) ? std::move(made) : nullptr;
 }
 
+thread_local const std::unique_ptr<icu::BreakIterator> clusterIterator = makeIterator();
+
 // The clusters of a slice that starts at a boundary. Where the text goes on behind the slice, its last
-// cluster is left out: it may not be whole.
-Extent walkSlice(const char16_t *slice, qsizetype length, qsizetype wanted, bool goesOn)
+// cluster is left out: it may not be whole. `visit` is called with each cluster's end.
+template <typename Visit>
+Extent walkSlice(const char16_t *slice, qsizetype length, qsizetype wanted, bool goesOn, const Visit &visit)
 {
-    icu::BreakIterator *iterator = clusterIterator();
+    icu::BreakIterator *iterator = clusterIterator.get();
     UErrorCode status = U_ZERO_ERROR;
     UText source = UTEXT_INITIALIZER;
     utext_openUChars(&source, slice, length, &status);
@@ -50,6 +50,8 @@ Extent walkSlice(const char16_t *slice, qsizetype length, qsizetype wanted, bool
     if (!iterator || U_FAILURE(status)) {
         utext_close(&source);
         const qsizetype taken = std::min(length, wanted); // no break data on this machine: units
+        for (qsizetype unit = 1; unit <= taken; ++unit)
+            visit(unit);
         return {taken, taken};
     }
     Extent extent;
@@ -58,6 +60,7 @@ Extent walkSlice(const char16_t *slice, qsizetype length, qsizetype wanted, bool
         if (boundary == icu::BreakIterator::DONE || (goesOn && boundary == length))
             break;
         extent = {extent.clusters + 1, boundary};
+        visit(boundary);
     }
     utext_close(&source);
     return extent;
@@ -79,21 +82,33 @@ qsizetype endOfJoiningStretch(QStringView text, qsizetype position, qsizetype li
     return position;
 }
 
+// A piece of a stretch for the break iterator, from a boundary on.
+struct Slice {
+    qsizetype end = 0;
+    bool goesOn = false; // the stretch does, behind the slice
+};
+
+Slice nextSlice(QStringView text, qsizetype start, qsizetype firstJoining, qsizetype reach)
+{
+    const qsizetype limit = std::min(text.size(), start + reach);
+    const qsizetype from = std::max(start, firstJoining);
+    Slice slice{endOfJoiningStretch(text, std::min(from, limit), limit)};
+    slice.goesOn = slice.end == limit && limit < text.size();
+    if (slice.goesOn && QChar::isHighSurrogate(text.utf16()[slice.end - 1]))
+        --slice.end;
+    return slice;
+}
+
 Extent walkJoiningStretch(QStringView text, qsizetype start, qsizetype firstJoining, qsizetype wanted)
 {
     Extent total{0, start};
     qsizetype reach = sliceLength;
     while (total.clusters < wanted) {
-        const qsizetype limit = std::min(text.size(), total.length + reach);
-        const qsizetype from = std::max(total.length, firstJoining);
-        qsizetype end = endOfJoiningStretch(text, std::min(from, limit), limit);
-        const bool goesOn = end == limit && limit < text.size();
-        if (goesOn && QChar::isHighSurrogate(text.utf16()[end - 1]))
-            --end;
-        const Extent part =
-            walkSlice(text.utf16() + total.length, end - total.length, wanted - total.clusters, goesOn);
+        const Slice slice = nextSlice(text, total.length, firstJoining, reach);
+        const Extent part = walkSlice(text.utf16() + total.length, slice.end - total.length,
+                                      wanted - total.clusters, slice.goesOn, [](qsizetype) {});
         total = {total.clusters + part.clusters, total.length + part.length};
-        if (!goesOn)
+        if (!slice.goesOn)
             break;
         reach = part.clusters == 0 ? reach * 2 : sliceLength;
     }
@@ -138,6 +153,20 @@ Extent walkSimpleStretch(QStringView text, qsizetype start, qsizetype wanted)
     return total;
 }
 
+// The length of the cluster at `position` where the units alone tell it, or 0.
+qsizetype simpleClusterLength(QStringView text, qsizetype position)
+{
+    const char16_t unit = text.utf16()[position];
+    if (unit >= firstJoiningUnit)
+        return 0;
+    if (position + 1 == text.size())
+        return 1;
+    const char16_t next = text.utf16()[position + 1];
+    if (unit == u'\r' && next == u'\n')
+        return 2;
+    return next < firstJoiningUnit || isLineEnd(unit) ? 1 : 0;
+}
+
 // At most `wanted` clusters from the start of the text.
 Extent walk(QStringView text, qsizetype wanted)
 {
@@ -173,4 +202,30 @@ qsizetype lengthOfClusters(QStringView text, qsizetype clusters)
     if (text.size() <= clusters) // a cluster has at least one unit
         return text.size();
     return walk(text, clusters).length;
+}
+
+QStringView ClusterReader::next()
+{
+    const qsizetype start = position;
+    if (upcoming == boundaries.size()) {
+        if (const qsizetype length = simpleClusterLength(text, position)) {
+            position += length;
+            return text.mid(start, length);
+        }
+        readAhead();
+    }
+    position = boundaries[upcoming++];
+    return text.mid(start, position - start);
+}
+
+void ClusterReader::readAhead()
+{
+    boundaries.clear();
+    upcoming = 0;
+    const qsizetype firstJoining = position + (text.utf16()[position] < firstJoiningUnit ? 1 : 0);
+    for (qsizetype reach = sliceLength; boundaries.empty(); reach *= 2) {
+        const Slice slice = nextSlice(text, position, firstJoining, reach);
+        walkSlice(text.utf16() + position, slice.end - position, slice.end - position, slice.goesOn,
+                  [this](qsizetype end) { boundaries.push_back(position + end); });
+    }
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
+#include <vector>
 
 // Text as people count and compare it. Any thread.
 
@@ -12,6 +13,42 @@
 // The length in UTF-16 units of the first `clusters` grapheme clusters; the whole length when there are
 // fewer.
 [[nodiscard]] qsizetype lengthOfClusters(QStringView text, qsizetype clusters);
+
+// Reads a text cluster by cluster, in time proportional to its length. The text must outlive the reader.
+class ClusterReader {
+public:
+    explicit ClusterReader(QStringView whole) : text(whole) {}
+
+    [[nodiscard]] bool atEnd() const { return position == text.size(); }
+    // The next cluster; not to be called at the end.
+    QStringView next();
+
+private:
+    void readAhead();
+
+    QStringView text;
+    qsizetype position = 0;
+    std::vector<qsizetype> boundaries; // known beyond the position, from `upcoming` on
+    size_t upcoming = 0;
+};
+
+// What a cluster is to readers: what its first scalar is that is neither a combining mark nor invisible.
+// ½, Ⅳ and a keycap are numbers, a flag is neither letter nor number. A cluster of marks alone is nothing.
+[[nodiscard]] bool isLetter(QStringView cluster);
+[[nodiscard]] bool isNumber(QStringView cluster);
+[[nodiscard]] bool isUppercase(QStringView cluster);
+[[nodiscard]] bool isLowercase(QStringView cluster);
+
+// The text without the spaces (of any width) and tabs at its ends. Line ends stay, and so does a space that
+// carries a combining mark.
+[[nodiscard]] QStringView withoutOuterSpaces(QStringView text);
+
+// The full case mappings of Unicode, whatever the user's language: "ß" becomes "SS", a final "Σ" becomes "ς".
+// A text too long for the result to be counted in 32 bits comes back as it is.
+[[nodiscard]] QString uppercased(QStringView text);
+[[nodiscard]] QString lowercased(QStringView text);
+// The first cluster in upper case, all others in lower case.
+[[nodiscard]] QString capitalizedWord(QStringView word);
 
 // The UTF-8 key under which two texts are the same that differ in case and diacritics only. A text contains a
 // word when indexOfKey finds the word's key in the text's.

@@ -323,5 +323,65 @@
         <source>Anteprima</source>
         <translation>Preview</translation>
     </message>
+    <message>
+        <source>MAIUSCOLO</source>
+        <translation>UPPERCASE</translation>
+    </message>
+    <message>
+        <source>minuscolo</source>
+        <translation>lowercase</translation>
+    </message>
+    <message>
+        <source>Iniziali Maiuscole</source>
+        <translation>Capitalize Each Word</translation>
+    </message>
+    <message>
+        <source>Frase con maiuscola iniziale</source>
+        <translation>Sentence case</translation>
+    </message>
+    <message>
+        <source>Togli spazi a inizio e fine riga</source>
+        <translation>Trim spaces at line ends</translation>
+    </message>
+    <message>
+        <source>Tutto su una riga</source>
+        <translation>All on one line</translation>
+    </message>
+    <message>
+        <source>Togli le righe vuote</source>
+        <translation>Remove empty lines</translation>
+    </message>
+    <message>
+        <source>camelCase</source>
+        <translation>camelCase</translation>
+    </message>
+    <message>
+        <source>snake_case</source>
+        <translation>snake_case</translation>
+    </message>
+    <message>
+        <source>kebab-case</source>
+        <translation>kebab-case</translation>
+    </message>
+    <message>
+        <source>Tra virgolette (stringa JSON)</source>
+        <translation>In quotes (JSON string)</translation>
+    </message>
+    <message>
+        <source>Codifica URL</source>
+        <translation>URL encode</translation>
+    </message>
+    <message>
+        <source>Decodifica URL</source>
+        <translation>URL decode</translation>
+    </message>
+    <message>
+        <source>Codifica Base64</source>
+        <translation>Base64 encode</translation>
+    </message>
+    <message>
+        <source>Decodifica Base64</source>
+        <translation>Base64 decode</translation>
+    </message>
 </context>
 </TS>

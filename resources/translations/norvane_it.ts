@@ -323,5 +323,65 @@
         <source>Anteprima</source>
         <translation>Anteprima</translation>
     </message>
+    <message>
+        <source>MAIUSCOLO</source>
+        <translation>MAIUSCOLO</translation>
+    </message>
+    <message>
+        <source>minuscolo</source>
+        <translation>minuscolo</translation>
+    </message>
+    <message>
+        <source>Iniziali Maiuscole</source>
+        <translation>Iniziali Maiuscole</translation>
+    </message>
+    <message>
+        <source>Frase con maiuscola iniziale</source>
+        <translation>Frase con maiuscola iniziale</translation>
+    </message>
+    <message>
+        <source>Togli spazi a inizio e fine riga</source>
+        <translation>Togli spazi a inizio e fine riga</translation>
+    </message>
+    <message>
+        <source>Tutto su una riga</source>
+        <translation>Tutto su una riga</translation>
+    </message>
+    <message>
+        <source>Togli le righe vuote</source>
+        <translation>Togli le righe vuote</translation>
+    </message>
+    <message>
+        <source>camelCase</source>
+        <translation>camelCase</translation>
+    </message>
+    <message>
+        <source>snake_case</source>
+        <translation>snake_case</translation>
+    </message>
+    <message>
+        <source>kebab-case</source>
+        <translation>kebab-case</translation>
+    </message>
+    <message>
+        <source>Tra virgolette (stringa JSON)</source>
+        <translation>Tra virgolette (stringa JSON)</translation>
+    </message>
+    <message>
+        <source>Codifica URL</source>
+        <translation>Codifica URL</translation>
+    </message>
+    <message>
+        <source>Decodifica URL</source>
+        <translation>Decodifica URL</translation>
+    </message>
+    <message>
+        <source>Codifica Base64</source>
+        <translation>Codifica Base64</translation>
+    </message>
+    <message>
+        <source>Decodifica Base64</source>
+        <translation>Decodifica Base64</translation>
+    </message>
 </context>
 </TS>

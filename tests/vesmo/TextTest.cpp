@@ -133,6 +133,10 @@ TEST(Clusters, EqualThoseOfTheWholeTextAtEveryLength)
             ASSERT_EQ(lengthOfClusters(text, static_cast<qsizetype>(count)), length)
                 << qPrintable(text) << count;
         }
+        std::vector<qsizetype> read;
+        for (ClusterReader reader(text); !reader.atEnd();)
+            read.push_back((read.empty() ? 0 : read.back()) + reader.next().size());
+        ASSERT_EQ(read, expected) << qPrintable(text);
     }
 }
 
@@ -154,6 +158,9 @@ TEST(Clusters, EqualThoseOfTheWholeTextAcrossBlocks)
                 ASSERT_EQ(lengthOfClusters(text, static_cast<qsizetype>(count)), expected[count - 1])
                     << probe;
             }
+            size_t index = 0;
+            for (ClusterReader reader(text); !reader.atEnd(); ++index)
+                ASSERT_EQ(reader.next().end(), QStringView(text).begin() + expected[index]) << index;
         }
     }
 }
@@ -163,6 +170,47 @@ TEST(Clusters, OneOfAHundredThousandMarksIsStillOne)
     const QString text = "a" + QString(100000, QChar(0x301)) + "b";
     EXPECT_EQ(clusterCount(text), 2);
     EXPECT_EQ(lengthOfClusters(text, 1), 100001);
+}
+
+TEST(Clusters, AreLettersOrNumbersByWhatReadersSee)
+{
+    const struct {
+        QString cluster;
+        bool letter, number, uppercase, lowercase;
+    } cases[] = {
+        {"a", true, false, false, true},
+        {"E\u0301", true, false, true, false},
+        {"ǅ", true, false, false, false},
+        {"中", true, false, false, false},
+        {"\u200Db", true, false, false, true},
+        {"½", false, true, false, false},
+        {"1️⃣", false, true, false, false},
+        {"Ⅳ", true, true, true, false},
+        {"🇮🇹", false, false, false, false},
+        {"\u0301", false, false, false, false},
+        {"_", false, false, false, false},
+        {"\r\n", false, false, false, false},
+        {QChar(0xD83D), false, false, false, false},
+    };
+    for (const auto &[cluster, letter, number, uppercase, lowercase] : cases) {
+        EXPECT_EQ(isLetter(cluster), letter) << qPrintable(cluster);
+        EXPECT_EQ(isNumber(cluster), number) << qPrintable(cluster);
+        EXPECT_EQ(isUppercase(cluster), uppercase) << qPrintable(cluster);
+        EXPECT_EQ(isLowercase(cluster), lowercase) << qPrintable(cluster);
+    }
+}
+
+// A word is lowered as a whole and then cut behind its first character, which must have stayed one.
+TEST(LetterCase, EveryLetterCanBeTheFirstOfACapitalizedWord)
+{
+    for (char32_t c = 1; c < 0x110000; ++c) {
+        const QString letter = QChar::isSurrogate(c) ? QString() : QString::fromUcs4(&c, 1);
+        if (letter.isEmpty() || lowercased(letter) == letter)
+            continue;
+        const QString word = letter + u"\u0301Q";
+        ASSERT_EQ(capitalizedWord(word), uppercased(word.chopped(1)) + u'q')
+            << std::hex << static_cast<uint32_t>(c);
+    }
 }
 
 TEST(FoldedKey, FindsWhatReadersTakeForTheSame)
