@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -28,6 +29,8 @@ ReplyPointer<Reply> take(xcb_connection_t *connection,
 
 constexpr quint32 maxNameBytes = 1024; // WM_CLASS, an application id, a host name
 constexpr int maxAncestors = 64;
+constexpr size_t atomBatch = 64;
+constexpr int maxAtomNameBytes = 4096; // LibreOffice's hold the path of the document
 
 QString decoded(const QByteArray &bytes)
 {
@@ -77,16 +80,18 @@ xcb_atom_t internAtom(xcb_connection_t *connection, const QByteArray &name)
 
 std::vector<QByteArray> atomNames(xcb_connection_t *connection, std::span<const xcb_atom_t> atoms)
 {
-    std::vector<xcb_get_atom_name_cookie_t> cookies;
-    for (const xcb_atom_t atom : atoms)
-        cookies.push_back(xcb_get_atom_name(connection, atom));
     std::vector<QByteArray> names;
-    for (const auto cookie : cookies) {
-        const auto reply = take(connection, xcb_get_atom_name_reply, cookie);
-        names.emplace_back();
-        if (reply)
-            names.back() =
-                QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()));
+    // All answers to one batch are in memory at once, and a name may have 64 KiB.
+    for (size_t start = 0; start < atoms.size(); start += atomBatch) {
+        std::vector<xcb_get_atom_name_cookie_t> cookies;
+        for (const xcb_atom_t atom : atoms.subspan(start, std::min(atomBatch, atoms.size() - start)))
+            cookies.push_back(xcb_get_atom_name(connection, atom));
+        for (const auto cookie : cookies) {
+            const auto reply = take(connection, xcb_get_atom_name_reply, cookie);
+            const int length = reply ? xcb_get_atom_name_name_length(reply.get()) : 0;
+            const bool named = length > 0 && length <= maxAtomNameBytes;
+            names.push_back(named ? QByteArray(xcb_get_atom_name_name(reply.get()), length) : QByteArray());
+        }
     }
     return names;
 }

@@ -17,7 +17,7 @@
                                                   std::span<const QByteArray> names);
 [[nodiscard]] xcb_atom_t internAtom(xcb_connection_t *connection, const QByteArray &name);
 
-// The names of these atoms in their order, asked for in one round trip; empty where there is no such atom.
+// The names of these atoms in their order; empty where there is no such atom, or a name of more than 4 KiB.
 [[nodiscard]] std::vector<QByteArray> atomNames(xcb_connection_t *connection,
                                                 std::span<const xcb_atom_t> atoms);
 
