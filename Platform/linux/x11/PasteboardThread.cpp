@@ -207,6 +207,10 @@ void PasteboardThread::catchUp()
 
 void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
 {
+    // Programs answer each other by events of their own making; all others come from the server, or are
+    // forged.
+    if ((event.response_type & 0x80) != 0 && (event.response_type & 0x7f) != XCB_SELECTION_NOTIFY)
+        return;
     if (x->isOwnerChange(event)) {
         applyPolicy();
         watch.handleOwnerChange(as<xcb_xfixes_selection_notify_event_t>(event), sequenceOf(event), now);
