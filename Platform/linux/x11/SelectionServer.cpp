@@ -11,6 +11,7 @@ constexpr qsizetype maxWholeBytes = 256LL * 1024;
 constexpr qsizetype maxChunkBytes = 1024LL * 1024;
 constexpr std::chrono::seconds stallTime(30);
 constexpr size_t maxTransfers = 1024;
+constexpr ptrdiff_t maxTransfersOfOneClient = 64;
 constexpr quint32 maxMultiplePairs = 256;
 
 QByteArray bytesOf(const std::vector<quint32> &units)
@@ -85,8 +86,8 @@ void SelectionServer::handleClear(const xcb_generic_event_t &event)
         offers_.erase(found);
 }
 
-bool SelectionServer::answer(const Offer &offer, const xcb_selection_request_event_t &request,
-                             xcb_atom_t property, TimePoint now)
+bool SelectionServer::answer(Offer &offer, const xcb_selection_request_event_t &request, xcb_atom_t property,
+                             TimePoint now)
 {
     const auto &atoms = x.atoms();
     const Key key(request.requestor, property);
@@ -100,12 +101,14 @@ bool SelectionServer::answer(const Offer &offer, const xcb_selection_request_eve
         return request.property != XCB_ATOM_NONE && answerMultiple(offer, request, property, now);
     const auto form = std::find_if(offer.forms.begin(), offer.forms.end(),
                                    [&](const Form &each) { return each.target == request.target; });
-    return form != offer.forms.end() &&
-           send(key, form->type, form->content.format, form->content.answer(), now);
+    if (form == offer.forms.end())
+        return false;
+    form->content.convert(); // once: all transfers share the bytes
+    return send(key, form->type, form->content.format, form->content.bytes, now);
 }
 
 // The property holds pairs of target and property; where a target is refused, its property becomes None.
-bool SelectionServer::answerMultiple(const Offer &offer, const xcb_selection_request_event_t &request,
+bool SelectionServer::answerMultiple(Offer &offer, const xcb_selection_request_event_t &request,
                                      xcb_atom_t property, TimePoint now)
 {
     auto pairs = readUnits(x.raw(), request.requestor, property, x.atoms().atomPair, maxMultiplePairs * 2);
@@ -139,13 +142,30 @@ bool SelectionServer::send(const Key &key, xcb_atom_t type, uint8_t format, cons
         write(key, type, format, bytes);
         return true;
     }
-    if (transfers.size() >= maxTransfers)
-        return false;
+    makeRoom(key.first);
     watch(key.first, true);
     transfers[key] = {type, format, bytes, 0, now + stallTime};
     const auto size = static_cast<quint32>(std::min<qsizetype>(bytes.size(), 0x7fffffff));
     write(key, x.atoms().incr, 32, bytesOf({size}));
     return true;
+}
+
+// Where a client has too many transfers, or all together have, the one that has waited longest ends: programs
+// that never take what they asked for keep nobody else from theirs.
+void SelectionServer::makeRoom(xcb_window_t requestor)
+{
+    const uint32_t ofOneClient = xcb_get_setup(x.raw())->resource_id_mask;
+    auto first = transfers.lower_bound(Key(requestor & ~ofOneClient, 0));
+    auto last = transfers.upper_bound(Key(requestor | ofOneClient, ~xcb_atom_t(0)));
+    if (std::distance(first, last) < maxTransfersOfOneClient) {
+        if (transfers.size() < maxTransfers)
+            return;
+        first = transfers.begin();
+        last = transfers.end();
+    }
+    const auto stalest = std::min_element(
+        first, last, [](const auto &a, const auto &b) { return a.second.due < b.second.due; });
+    end(Key(stalest->first));
 }
 
 void SelectionServer::write(const Key &key, xcb_atom_t type, uint8_t format, QByteArrayView bytes)

@@ -54,12 +54,13 @@ private:
     };
     using Key = std::pair<xcb_window_t, xcb_atom_t>;
 
-    [[nodiscard]] bool answer(const Offer &offer, const xcb_selection_request_event_t &request,
-                              xcb_atom_t property, TimePoint now);
-    [[nodiscard]] bool answerMultiple(const Offer &offer, const xcb_selection_request_event_t &request,
+    [[nodiscard]] bool answer(Offer &offer, const xcb_selection_request_event_t &request, xcb_atom_t property,
+                              TimePoint now);
+    [[nodiscard]] bool answerMultiple(Offer &offer, const xcb_selection_request_event_t &request,
                                       xcb_atom_t property, TimePoint now);
     [[nodiscard]] bool send(const Key &key, xcb_atom_t type, uint8_t format, const QByteArray &bytes,
                             TimePoint now);
+    void makeRoom(xcb_window_t requestor);
     void notify(const xcb_selection_request_event_t &request, xcb_atom_t property);
     void write(const Key &key, xcb_atom_t type, uint8_t format, QByteArrayView bytes);
     [[nodiscard]] std::vector<quint32> listOf(const Offer &offer) const;

@@ -126,9 +126,10 @@ private:
 
 } // namespace
 
-QByteArray ServedTarget::answer() const
+void ServedTarget::convert()
 {
-    return latin1 ? latin1FromUtf8(bytes) : bytes;
+    if (std::exchange(latin1, false))
+        bytes = latin1FromUtf8(bytes);
 }
 
 std::optional<QByteArray> joinedText(const std::vector<PasteboardItem> &items)

@@ -15,7 +15,7 @@ struct ServedTarget {
     bool latin1 = false; // the bytes are UTF-8 and go out in Latin-1
     quint8 format = 8;   // bits of one unit: 8, 16 or 32
 
-    [[nodiscard]] QByteArray answer() const;
+    void convert(); // makes the bytes what goes out
 };
 
 // Every target of these items: the stored forms in their order under the targets they came from, and the ones

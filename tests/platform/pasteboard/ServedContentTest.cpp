@@ -24,7 +24,11 @@ QByteArray answer(const std::vector<ServedTarget> &targets, const char *target)
 {
     const auto found =
         std::find_if(targets.begin(), targets.end(), [&](const auto &each) { return each.target == target; });
-    return found == targets.end() ? QByteArray("(not served)") : found->answer();
+    if (found == targets.end())
+        return "(not served)";
+    ServedTarget served = *found;
+    served.convert();
+    return served.bytes;
 }
 
 const Names textNames = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "TEXT", "STRING"};
