@@ -1,0 +1,141 @@
+#include "tests/platform/pasteboard/X11Client.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTimer>
+
+// Programs that do to the clipboard what they should not, each in a process of its own: whatever it is, the
+// main thread goes on, an honest program is served, memory is bounded, and the next honest copy is recorded.
+
+namespace {
+
+constexpr qint64 mebibyte = 1048576;
+constexpr qint64 byteBudget = 8 * mebibyte;
+constexpr qint64 longestStall = 250; // milliseconds, on a machine that does other things as well
+
+struct Fault {
+    QString role;
+    QString name;
+};
+
+std::vector<Fault> faults()
+{
+    std::vector<Fault> found;
+    for (const char *role : {"owner", "requestor"}) {
+        QProcess program;
+        program.start(QStringLiteral(HOSTILE_NEIGHBOUR), {QStringLiteral("--%1s").arg(QLatin1String(role))});
+        program.waitForFinished();
+        for (const QString &name : QString::fromUtf8(program.readAll()).split(u'\n', Qt::SkipEmptyParts))
+            found.push_back({QString::fromLatin1(role), name});
+    }
+    return found;
+}
+
+qint64 statusValue(const char *name)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    static const QRegularExpression number(QStringLiteral("(\\d+) kB"));
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith(name))
+            return number.match(QString::fromLatin1(line)).captured(1).toLongLong() * 1024;
+    }
+    return 0;
+}
+
+// The most memory that the process has had since this was made.
+class MemoryPeak {
+public:
+    MemoryPeak()
+    {
+        QFile reset(QStringLiteral("/proc/self/clear_refs"));
+        if (reset.open(QIODevice::WriteOnly))
+            reset.write("5");
+        before = statusValue("VmRSS:");
+    }
+    [[nodiscard]] qint64 growth() const { return statusValue("VmHWM:") - before; }
+
+private:
+    qint64 before = 0;
+};
+
+// The longest time that the event loop was away.
+class Heartbeat {
+public:
+    Heartbeat()
+    {
+        QObject::connect(&beat, &QTimer::timeout, &beat, [this] { take(); });
+        sinceBeat.start();
+        beat.start(1);
+    }
+    [[nodiscard]] qint64 longest()
+    {
+        take();
+        return longestTurn;
+    }
+
+private:
+    void take() { longestTurn = std::max(longestTurn, sinceBeat.restart()); }
+
+    QElapsedTimer sinceBeat;
+    QTimer beat;
+    qint64 longestTurn = 0;
+};
+
+class HostileTest : public PasteboardTest, public ::testing::WithParamInterface<Fault> {
+protected:
+    ~HostileTest() override
+    {
+        hostile.kill();
+        hostile.waitForFinished();
+    }
+
+    // Until the fault has had its effect.
+    bool startHostile()
+    {
+        hostile.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        hostile.start(QStringLiteral(HOSTILE_NEIGHBOUR), {GetParam().role, GetParam().name});
+        return await([this] { return hostile.canReadLine(); }, 15000);
+    }
+
+    QProcess hostile;
+};
+
+} // namespace
+
+TEST_P(HostileTest, HarmsNobody)
+{
+    setPolicy(&PasteboardPolicy::byteBudget, byteBudget);
+    const QByteArray ours = "è" + pattern(600000); // Latin-1 is another text
+    pasteboard->write({textItem(ours)});
+    pasteboard->ownPrimary();
+    Requestor reader;
+    EXPECT_TRUE(reader.text("PRIMARY") == ours);
+
+    const MemoryPeak peak;
+    Heartbeat heartbeat;
+    ASSERT_TRUE(startHostile());
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(reader.text("PRIMARY") == ours);
+    if (GetParam().role == u"requestor") {
+        EXPECT_TRUE(reader.text() == ours);
+    }
+
+    Owner honest;
+    honest.offer("UTF8_STRING", "an honest copy");
+    const qint64 before = pasteboard->changeCount();
+    honest.claim();
+    EXPECT_TRUE(await([&] { return bytes(PasteboardType::plainText) == QByteArray("an honest copy"); }));
+    EXPECT_GT(pasteboard->changeCount(), before);
+    EXPECT_LT(heartbeat.longest(), longestStall);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(peak.growth(), 2 * byteBudget + 32 * mebibyte);
+#endif
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, HostileTest, ::testing::ValuesIn(faults()), [](const auto &each) {
+    return QString(each.param.role + u'_' + each.param.name).replace(u'-', u'_').toStdString();
+});
