@@ -113,7 +113,8 @@ void SelectionReader::takeTargets(TimePoint now)
     }
     answered = true;
     std::vector<QByteArray> targets = {"UTF8_STRING", "STRING"};
-    if (transfer->state() != State::refused) {
+    const bool isList = transfer->state() == State::tooLarge || transfer->format() == 32;
+    if (transfer->state() != State::refused && isList) {
         const QByteArray list = transfer->takeBytes();
         std::vector<xcb_atom_t> atoms(std::min(static_cast<size_t>(list.size()) / 4, maxTargets));
         if (!atoms.empty())

@@ -62,16 +62,19 @@ void startLongText(HostileProgram &program, const Request &request)
     startChunks(program, request, 0);
 }
 
-void claimOften(HostileProgram &program, int times)
+void claimOften(HostileProgram &program, const Request &)
 {
-    for (int i = 0; i < times; ++i) {
+    for (; program.chunks < 1000; ++program.chunks) {
         program.claim();
         poll(nullptr, 0, 1);
     }
+    program.actedOnce(true);
 }
 
 void sendUnaskedNotifications(HostileProgram &program, const Request &request)
 {
+    if (program.chunks++ > 0)
+        return; // once, or they would answer what others are asked as well
     for (int i = 0; i < 20000; ++i) {
         Request unasked = request;
         unasked.property = program.atom("_NORVANE_ANSWER_" + std::to_string(i % 64));
@@ -210,12 +213,7 @@ const std::vector<OwnerFault> &ownerFaults()
         {"changing-list", listSomethingElseEachTime, {}},
         {"fills-our-window", fillTheWindow, {}},
         {"unasked-notifications", sendUnaskedNotifications, {}},
-        {"storm-of-claims",
-         [](auto &program, auto &) {
-             claimOften(program, 1000);
-             program.actedOnce(true);
-         },
-         {}},
+        {"storm-of-claims", claimOften, {}},
     };
     return faults;
 }
