@@ -4,12 +4,29 @@
 #include <QStringConverter>
 #include <QUtf8StringView>
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
-bool isAscii(const QByteArray &bytes)
+// Whether any byte is this one or a higher one, of those from 0x80 on. Eight at a time: texts have hundreds of
+// megabytes.
+template <quint8 first>
+bool hasByteFrom(QByteArrayView bytes)
 {
-    return std::all_of(bytes.cbegin(), bytes.cend(), [](char byte) { return (byte & 0x80) == 0; });
+    constexpr quint64 each = 0x0101010101010101, low = 0x7f * each, toOverflow = (0x100 - first) * each;
+    qsizetype at = 0;
+    for (; at + 8 <= bytes.size(); at += 8) {
+        quint64 word = 0;
+        std::memcpy(&word, bytes.data() + at, 8);
+        if (((word & low) + toOverflow) & word & ~low)
+            return true;
+    }
+    return std::any_of(bytes.begin() + at, bytes.end(), [](char byte) { return quint8(byte) >= first; });
+}
+
+bool isAscii(QByteArrayView bytes)
+{
+    return !hasByteFrom<0x80>(bytes);
 }
 
 } // namespace
@@ -38,8 +55,7 @@ std::optional<QByteArray> utf8FromCharset(const QByteArray &bytes, const QByteAr
 bool fitsLatin1(const QByteArray &utf8)
 {
     // U+00FF is 0xC3 0xBF: a higher lead byte begins a character beyond Latin-1.
-    const bool low = std::none_of(utf8.cbegin(), utf8.cend(), [](char byte) { return quint8(byte) > 0xC3; });
-    return low && QUtf8StringView(utf8).isValidUtf8();
+    return !hasByteFrom<0xC4>(utf8) && QUtf8StringView(utf8).isValidUtf8();
 }
 
 QByteArray latin1FromUtf8(const QByteArray &utf8)
