@@ -28,7 +28,7 @@ constexpr int preparationDelay = 150; // milliseconds after the last change: a p
 
 bool needsText(PasteMode mode)
 {
-    return mode == PasteMode::plain || mode == PasteMode::copyText;
+    return mode.kind() == PasteMode::transform || mode == PasteMode::plain || mode == PasteMode::copyText;
 }
 
 } // namespace

@@ -50,7 +50,11 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
 {
     // The list that `chosen` stands in changes below.
     const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
-    switch (mode) {
+    switch (mode.kind()) {
+    case PasteMode::transform:
+        writeText(apply(mode.textTransform(), clip->fullText(services.store).value_or(QString())),
+                  services.pasteboard);
+        break;
     case PasteMode::paste:
     case PasteMode::copy: {
         const auto formats = services.store.formats(*clip);
@@ -69,7 +73,7 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
     }
     services.monitor.ignoreCurrentChange();
     services.store.moveToTop(clip);
-    if (mode == PasteMode::paste || mode == PasteMode::plain)
+    if (mode != PasteMode::copy && mode != PasteMode::copyText)
         autoPaste();
 }
 

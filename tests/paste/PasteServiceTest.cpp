@@ -121,12 +121,25 @@ TEST_F(PasteServiceTest, PlainGivesTheTextAlone)
     EXPECT_EQ(contents(), std::vector{itemOf(plainText, whole)});
 }
 
+TEST_F(PasteServiceTest, ATransformGivesTheConvertedTextAlone)
+{
+    const QByteArray whole = QByteArray("caffè ").repeated(50000); // longer than what the clip itself keeps
+    const auto styled = copied({{{{u"public.html"_qs, "<b>a</b>"}, {plainText, whole}}}});
+    service.paste(styled, TextTransform::upper);
+    EXPECT_EQ(contents(), std::vector{itemOf(plainText, QByteArray("CAFFÈ ").repeated(50000))});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return keyEvents.pasteCount == 1; }));
+    catchUp();
+    EXPECT_EQ(captureCount, 1);
+}
+
 TEST_F(PasteServiceTest, TheTextOfAnImageIsWhatWasRecognised)
 {
     const auto image = copied({itemOf(u"public.png"_qs, "no real picture")});
     store.setRecognizedText(u"Fattura n. 118"_qs, image);
     service.paste(image, PasteMode::copyText);
     EXPECT_EQ(contents(), std::vector{itemOf(plainText, "Fattura n. 118")});
+    service.paste(image, TextTransform::kebab);
+    EXPECT_EQ(contents(), std::vector{itemOf(plainText, "fattura-n-118")});
     service.paste(image, PasteMode::copy);
     EXPECT_EQ(contents(), std::vector{itemOf(u"public.png"_qs, "no real picture")});
 }

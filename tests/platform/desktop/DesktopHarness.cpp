@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 Hand::Hand() : connection(XcbConnection::open()) {}
@@ -17,14 +18,35 @@ Hand::~Hand()
 
 void Hand::press(int key, unsigned delay)
 {
-    xcb_test_fake_input(connection->raw(), XCB_KEY_PRESS, static_cast<uint8_t>(key), delay, 0, 0, 0, 0);
+    xcb_test_fake_input(connection->raw(), firstKeyEvent, static_cast<uint8_t>(key), delay, 0, 0, 0,
+                        keyboard);
     connection->flush();
 }
 
 void Hand::release(int key, unsigned delay)
 {
-    xcb_test_fake_input(connection->raw(), XCB_KEY_RELEASE, static_cast<uint8_t>(key), delay, 0, 0, 0, 0);
+    const auto event = static_cast<uint8_t>(firstKeyEvent + 1);
+    xcb_test_fake_input(connection->raw(), event, static_cast<uint8_t>(key), delay, 0, 0, 0, keyboard);
     connection->flush();
+}
+
+void Hand::useAnotherKeyboard()
+{
+    const auto *input = connection->extension(xcb_input_id);
+    const XcbReply<xcb_input_xi_query_device_reply_t> devices(xcb_input_xi_query_device_reply(
+        connection->raw(), xcb_input_xi_query_device(connection->raw(), XCB_INPUT_DEVICE_ALL), nullptr));
+    ASSERT_TRUE(input && devices);
+    for (auto each = xcb_input_xi_query_device_infos_iterator(devices.get()); each.rem > 0;
+         xcb_input_xi_device_info_next(&each)) {
+        const std::string name(xcb_input_xi_device_info_name(each.data),
+                               static_cast<size_t>(xcb_input_xi_device_info_name_length(each.data)));
+        if (each.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD &&
+            name.find("XTEST") == std::string::npos) {
+            keyboard = static_cast<uint8_t>(each.data->deviceid);
+            firstKeyEvent = static_cast<uint8_t>(input->first_event + XCB_INPUT_DEVICE_KEY_PRESS);
+        }
+    }
+    ASSERT_NE(keyboard, 0) << "no keyboard but that of the test extension";
 }
 
 void Hand::tap(int key)

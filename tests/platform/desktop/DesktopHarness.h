@@ -19,6 +19,8 @@ public:
     // After `delay` milliseconds, counted by the server, which does nothing else for us meanwhile.
     void press(int key, unsigned delay = 0);
     void release(int key, unsigned delay = 0);
+    // From now on: not that on which the program under test types.
+    void useAnotherKeyboard();
     void tap(int key);
     void chord(std::initializer_list<int> keys);
     void click(QPoint place);
@@ -41,6 +43,8 @@ private:
     void pressButton(uint8_t button, QPoint place);
 
     std::unique_ptr<XcbConnection> connection;
+    uint8_t keyboard = 0; // of the server's test extension
+    uint8_t firstKeyEvent = XCB_KEY_PRESS;
 };
 
 // Another program with one text field that has the keyboard when the constructor is done.

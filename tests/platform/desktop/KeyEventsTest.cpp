@@ -87,21 +87,27 @@ INSTANTIATE_TEST_SUITE_P(
                       LayoutCase{"us,ru second", {"us,ru", "-option", "grp:shifts_toggle"}, true},
                       LayoutCase{"ru", {"ru"}, false}, LayoutCase{"gr", {"gr"}, false}));
 
-class PasteWithHeldKey : public Paste, public ::testing::WithParamInterface<int> {};
+class PasteWithHeldKey : public Paste, public ::testing::WithParamInterface<std::tuple<int, bool>> {};
 
 TEST_P(PasteWithHeldKey, ArrivesAllTheSame)
 {
+    const auto [key, onAnotherKeyboard] = GetParam();
+    if (onAnotherKeyboard)
+        hand.useAnotherKeyboard();
     Neighbour neighbour;
-    hand.press(GetParam());
+    hand.press(key);
+    ASSERT_TRUE(hand.isDown(key));
     EXPECT_TRUE(pastes(neighbour, QStringLiteral("held")));
     EXPECT_FALSE(hand.isDown(Hand::control));
-    hand.release(GetParam());
+    hand.release(key);
     hand.tap(Hand::x);
     EXPECT_TRUE(neighbour.waitForText(QStringLiteral("heldx"))) << "no modifier is stuck";
 }
 
 INSTANTIATE_TEST_SUITE_P(Modifiers, PasteWithHeldKey,
-                         ::testing::Values(Hand::shift, Hand::alt, Hand::super, Hand::control));
+                         ::testing::Combine(::testing::Values(Hand::shift, Hand::alt, Hand::super,
+                                                              Hand::control),
+                                            ::testing::Bool()));
 
 TEST_F(Paste, ArrivesWithCapsLockAndNumLockOn)
 {
