@@ -13,7 +13,7 @@ namespace {
 
 constexpr qint64 mebibyte = 1048576;
 constexpr qint64 byteBudget = 8 * mebibyte;
-constexpr qint64 longestStall = 250; // milliseconds, on a machine that does other things as well
+constexpr qint64 longestStall = 400; // milliseconds; the least that a hung program would cost is 500
 
 struct Fault {
     QString role;
