@@ -8,8 +8,8 @@
 
 namespace {
 
-// Whether any byte is this one or a higher one, of those from 0x80 on. Eight at a time: texts have hundreds of
-// megabytes.
+// Whether any byte is this one or a higher one, of those from 0x80 on. Eight at a time: texts have hundreds
+// of megabytes.
 template <quint8 first>
 bool hasByteFrom(QByteArrayView bytes)
 {
