@@ -5,6 +5,16 @@
 #include <unistd.h>
 #include <xcb/xfixes.h>
 
+// An event has 32 bytes, of which its structure may name fewer.
+template <typename Sent>
+void HostileProgram::send(xcb_window_t to, const Sent &event)
+{
+    char padded[32] = {};
+    static_assert(sizeof(event) <= sizeof(padded));
+    std::memcpy(padded, &event, sizeof(event));
+    xcb_send_event(connection, 0, to, XCB_EVENT_MASK_NO_EVENT, padded);
+}
+
 HostileProgram::HostileProgram()
     : connection(xcb_connect(nullptr, nullptr)), ownWindow(xcb_generate_id(connection))
 {
@@ -114,7 +124,7 @@ void HostileProgram::notify(const xcb_selection_request_event_t &request)
     event.selection = request.selection;
     event.target = request.target;
     event.property = request.property;
-    send(request.requestor, &event);
+    send(request.requestor, event);
 }
 
 void HostileProgram::refuse(xcb_selection_request_event_t request)
@@ -167,7 +177,7 @@ void HostileProgram::forgeRequest(xcb_window_t victim, xcb_window_t requestor, x
     event.selection = atom("CLIPBOARD");
     event.target = atom("UTF8_STRING");
     event.property = property;
-    send(victim, &event);
+    send(victim, event);
 }
 
 void HostileProgram::forgeClear(xcb_window_t victim)
@@ -176,7 +186,7 @@ void HostileProgram::forgeClear(xcb_window_t victim)
     event.response_type = XCB_SELECTION_CLEAR;
     event.owner = victim;
     event.selection = atom("CLIPBOARD");
-    send(victim, &event);
+    send(victim, event);
 }
 
 void HostileProgram::forgeOwnerChange(xcb_window_t victim)
@@ -187,12 +197,5 @@ void HostileProgram::forgeOwnerChange(xcb_window_t victim)
     event.window = victim;
     event.owner = ownWindow;
     event.selection = atom("CLIPBOARD");
-    send(victim, &event);
-}
-
-void HostileProgram::send(xcb_window_t to, const void *event)
-{
-    char padded[32] = {};
-    std::memcpy(padded, event, sizeof(padded));
-    xcb_send_event(connection, 0, to, XCB_EVENT_MASK_NO_EVENT, padded);
+    send(victim, event);
 }

@@ -53,7 +53,8 @@ public:
     void forgeOwnerChange(xcb_window_t victim);
 
 private:
-    void send(xcb_window_t to, const void *event);
+    template <typename Sent>
+    void send(xcb_window_t to, const Sent &event);
 
     xcb_connection_t *connection;
     xcb_window_t ownWindow;
