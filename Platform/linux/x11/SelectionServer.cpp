@@ -3,6 +3,7 @@
 #include "Platform/linux/x11/WindowProperties.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -74,8 +75,9 @@ void SelectionServer::notify(const xcb_selection_request_event_t &request, xcb_a
     event.selection = request.selection;
     event.target = request.target;
     event.property = property;
-    xcb_send_event(x.raw(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char *>(&event));
+    char sent[32] = {}; // which is more than the structure has
+    std::memcpy(sent, &event, sizeof(event));
+    xcb_send_event(x.raw(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, sent);
 }
 
 void SelectionServer::handleClear(const xcb_generic_event_t &event)
