@@ -18,7 +18,7 @@ Steps everyStep()
 {
     Steps all;
     for (const auto &part :
-         {textSteps(), fileSteps(), privacySteps(), panelSteps(), lifeSteps(), screenSteps(), looksSteps()})
+         {textSteps(), fileSteps(), pictureSteps(), privacySteps(), panelSteps(), lifeSteps(), screenSteps(), looksSteps()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }

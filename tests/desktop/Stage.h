@@ -119,6 +119,7 @@ using Steps = std::vector<Step>;
 
 Steps textSteps();
 Steps fileSteps();
+Steps pictureSteps();
 Steps privacySteps();
 Steps panelSteps();
 Steps lifeSteps();
