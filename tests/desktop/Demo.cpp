@@ -17,8 +17,9 @@ namespace {
 Steps everyStep()
 {
     Steps all;
-    for (const auto &part : {textSteps(), fileSteps(), readingSteps(), privacySteps(), panelSteps(),
-                             lifeSteps(), screenSteps(), looksSteps(), viewSteps(), traySteps()})
+    for (const auto &part :
+         {textSteps(), fileSteps(), pictureSteps(), readingSteps(), privacySteps(), panelSteps(), lifeSteps(),
+          screenSteps(), looksSteps(), viewSteps(), traySteps()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }

@@ -130,6 +130,7 @@ using Steps = std::vector<Step>;
 Steps textSteps();
 Steps fileSteps();
 Steps readingSteps();
+Steps pictureSteps();
 Steps privacySteps();
 Steps panelSteps();
 Steps lifeSteps();

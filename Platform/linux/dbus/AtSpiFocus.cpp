@@ -125,10 +125,13 @@ std::vector<AtSpiObject> AtSpiFocus::activeApplications(const AtSpiInquiry &inqu
 
 std::optional<AtSpiObject> AtSpiFocus::textIn(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 {
-    std::vector<AtSpiObject> focused = AtSpiTree::focusedObjects(inquiry, root);
+    const auto last = remembered.constFind(root.bus);
+    const bool isTold = last != remembered.cend();
+    std::vector<AtSpiObject> focused;
+    if (!isTold || AtSpiTree::canSearch(inquiry, root))
+        focused = AtSpiTree::focusedObjects(inquiry, root);
     if (focused.empty()) {
-        const auto last = remembered.constFind(root.bus);
-        if (last == remembered.cend())
+        if (!isTold)
             return std::nullopt;
         focused.push_back(*last);
     }

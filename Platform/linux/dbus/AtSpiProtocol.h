@@ -52,7 +52,7 @@ struct AtSpiCacheItem {
 namespace AtSpi {
 
 // Numbers of bits.
-inline constexpr uint stateActive = 1, stateFocused = 12, stateShowing = 25;
+inline constexpr uint stateActive = 1, stateFocused = 12, stateShowing = 25, stateManagesDescendants = 31;
 
 enum Coordinates : uint { screen = 0, window = 1 };
 

@@ -64,27 +64,33 @@ AtSpiObject parentOf(const AtSpiInquiry &inquiry, const AtSpiObject &object)
     return parent && parent->currentSignature() == u"(so)" ? qdbus_cast<AtSpiObject>(*parent) : AtSpiObject();
 }
 
-struct Seen {
-    QList<uint> states;
-    QList<AtSpiObject> children;
-};
-
-std::vector<Seen> look(const AtSpiInquiry &inquiry, const Objects &objects)
+std::vector<QList<uint>> statesOf(const AtSpiInquiry &inquiry, const Objects &objects)
 {
     std::vector<AtSpiInquiry::Question> questions;
-    questions.reserve(objects.size() * 2);
-    for (const AtSpiObject &object : objects) {
+    questions.reserve(objects.size());
+    for (const AtSpiObject &object : objects)
         questions.push_back({object, AtSpi::accessible, QStringLiteral("GetState")});
+    std::vector<QList<uint>> states;
+    states.reserve(objects.size());
+    for (const QDBusMessage &answer : inquiry.ask(questions))
+        states.push_back(AtSpiInquiry::read<QList<uint>>(answer, "au").value_or(QList<uint>()));
+    return states;
+}
+
+Objects childrenOf(const AtSpiInquiry &inquiry, const Objects &objects)
+{
+    std::vector<AtSpiInquiry::Question> questions;
+    questions.reserve(objects.size());
+    for (const AtSpiObject &object : objects)
         questions.push_back({object, AtSpi::accessible, QStringLiteral("GetChildren")});
+    Objects children;
+    for (const QDBusMessage &answer : inquiry.ask(questions)) {
+        const auto some =
+            AtSpiInquiry::read<QList<AtSpiObject>>(answer, "a(so)").value_or(QList<AtSpiObject>());
+        std::ranges::copy_if(some, std::back_inserter(children),
+                             [](const AtSpiObject &child) { return !child.isNull(); });
     }
-    const auto answers = inquiry.ask(questions);
-    std::vector<Seen> seen(objects.size());
-    for (size_t index = 0; index < objects.size(); ++index) {
-        seen[index] = {AtSpiInquiry::read<QList<uint>>(answers[2 * index], "au").value_or(QList<uint>()),
-                       AtSpiInquiry::read<QList<AtSpiObject>>(answers[2 * index + 1], "a(so)")
-                           .value_or(QList<AtSpiObject>())};
-    }
-    return seen;
+    return children;
 }
 
 Objects walk(const AtSpiInquiry &inquiry, const AtSpiObject &root)
@@ -96,25 +102,34 @@ Objects walk(const AtSpiInquiry &inquiry, const AtSpiObject &root)
     for (size_t walked = 0; !level.empty() && walked < longestWalk && !inquiry.isOver();) {
         level.resize(std::min(level.size(), longestWalk - walked));
         walked += level.size();
-        const auto seen = look(inquiry, level);
-        Objects next;
+        const auto states = statesOf(inquiry, level);
+        Objects parents;
         for (size_t index = 0; index < level.size(); ++index) {
-            if (!AtSpi::hasState(seen[index].states, AtSpi::stateShowing))
+            if (!AtSpi::hasState(states[index], AtSpi::stateShowing))
                 continue;
-            if (AtSpi::hasState(seen[index].states, AtSpi::stateFocused))
+            if (AtSpi::hasState(states[index], AtSpi::stateFocused))
                 focused.push_back(level[index]);
-            std::ranges::copy_if(seen[index].children, std::back_inserter(next),
-                                 [](const AtSpiObject &child) { return !child.isNull(); });
+            if (!AtSpi::hasState(states[index], AtSpi::stateManagesDescendants))
+                parents.push_back(level[index]);
         }
-        level = std::move(next);
+        level = childrenOf(inquiry, parents);
     }
     return focused;
 }
 
 } // namespace
 
+bool canSearch(const AtSpiInquiry &inquiry, const AtSpiObject &root)
+{
+    const auto name = AtSpiInquiry::readProperty<QString>(
+        inquiry.ask(AtSpiInquiry::propertyQuestion(root, AtSpi::accessible, QStringLiteral("Name"))));
+    return name != QLatin1String("soffice");
+}
+
 Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 {
+    if (!canSearch(inquiry, root))
+        return walk(inquiry, root);
     if (auto found = matches(inquiry, root))
         return *found;
     if (auto found = cached(inquiry, root))
@@ -124,15 +139,11 @@ Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 
 Objects activeWindows(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 {
-    Objects windows = inquiry.childrenOf(root);
-    std::vector<AtSpiInquiry::Question> questions;
-    for (const AtSpiObject &window : windows)
-        questions.push_back({window, AtSpi::accessible, QStringLiteral("GetState")});
-    const auto answers = inquiry.ask(questions);
+    const Objects windows = inquiry.childrenOf(root);
+    const auto states = statesOf(inquiry, windows);
     Objects active;
     for (size_t index = 0; index < windows.size(); ++index) {
-        const auto states = AtSpiInquiry::read<QList<uint>>(answers[index], "au");
-        if (states && AtSpi::hasState(*states, AtSpi::stateActive))
+        if (AtSpi::hasState(states[index], AtSpi::stateActive))
             active.push_back(windows[index]);
     }
     return active;

@@ -5,8 +5,13 @@
 // Looks for objects in a program's user interface.
 namespace AtSpiTree {
 
+// Whether the program may be asked to search all that it has. LibreOffice may not: it goes through every cell
+// of an empty sheet too, some ten thousand million, and does nothing else from then on.
+[[nodiscard]] bool canSearch(const AtSpiInquiry &inquiry, const AtSpiObject &root);
+
 // The objects that have the focus, outer ones before inner ones: one question where the program can search or
-// keeps a list of its objects, else a walk of bounded length through its windows.
+// keeps a list of its objects, else a walk of bounded length through its windows, which leaves out what an
+// object makes up as somebody looks at it.
 [[nodiscard]] std::vector<AtSpiObject> focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root);
 
 // The windows that the program calls active.

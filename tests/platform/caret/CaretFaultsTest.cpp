@@ -216,6 +216,26 @@ TEST_F(ScriptedCaret, IsNotLookedForInATreeWithoutEnd)
     EXPECT_LT(program->calls, 400) << "two questions an object, and 150 of these";
 }
 
+// As LibreOffice is: a search there, or a look at the children of a sheet, keeps it busy for ever.
+TEST_F(ScriptedCaret, OfAnOfficeProgramIsFoundWithoutASearchOfItsCells)
+{
+    program->setProperty(u"program"_s, AtSpi::accessible, u"Name"_s, u"soffice"_s);
+    program->setChildren(u"window"_s, {u"sheet"_s, u"text"_s});
+    program->setStates(u"window"_s, {AtSpi::stateShowing, AtSpi::stateActive});
+    program->setStates(u"sheet"_s, {AtSpi::stateShowing, AtSpi::stateManagesDescendants});
+    program->setStates(u"text"_s, {AtSpi::stateShowing, AtSpi::stateFocused});
+    std::atomic<int> hangs = 0;
+    const auto hang = [&](const QVariantList &) {
+        ++hangs;
+        return std::optional<QVariantList>();
+    };
+    program->set(u"program"_s, AtSpi::collection, u"GetMatches"_s, hang);
+    program->set(u"sheet"_s, AtSpi::accessible, u"GetChildren"_s, hang);
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
+    EXPECT_TRUE(moveFocusToButton());
+    EXPECT_EQ(hangs, 0);
+}
+
 TEST_F(ScriptedCaret, NoAnswerComesToARequestThatWasDropped)
 {
     int dropped = 0, kept = 0;
