@@ -63,6 +63,7 @@ Stage::Stage(QString program, const QDir &output) : programPath(std::move(progra
     desktop.paintBackground(backgroundColour);
     const QString settings = qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Norvane");
     QDir().mkpath(settings);
+    folder.mkpath(QStringLiteral(".")); // for logs and screenshots
     writeFile(settings + QStringLiteral("/settings.ini"), "[General]\ndidShowWelcome=true\n");
 }
 
