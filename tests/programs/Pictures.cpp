@@ -27,6 +27,7 @@ const Program &gimp()
         .makeBlank = picture(0),
         .copy = {QStringLiteral("Ctrl+Shift+C")}, // what is visible: what was pasted floats above the rest
         .changedTitle = QStringLiteral("*["),
+        .pasteTime = Desktop::Milliseconds(3000),
         .startBound = Desktop::Milliseconds(120000),
         .attempt = Desktop::Milliseconds(40000)};
     return program;
