@@ -7,7 +7,8 @@
 //
 // RecognitionBench [--fresh SEED] [--only CLASS] [--folder FOLDER] [--keep FOLDER] [--no-command]
 //   --fresh   other texts, fonts and colours: what nothing was tuned on
-//   --folder  reads NAME.png with the truth in NAME.txt instead of drawing samples
+//   --folder  reads NAME.png with the truth in NAME.txt instead of drawing samples: take-screenshots, beside
+//             this file, makes such a folder with real programs
 //   --keep    writes each picture, its truth and what was read into a folder
 
 #include "Platform/linux/tesseract/PageReader.h"
