@@ -88,7 +88,7 @@ std::optional<xcb_keycode_t> SyntheticKeys::borrowSpareKey(xkb_keysym_t symbol)
     const xcb_keysym_t *symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
     const int perKey = mapping->keysyms_per_keycode;
     for (int i = count - 1; i >= 0; --i) {
-        const xcb_keysym_t *own = symbols + i * perKey;
+        const xcb_keysym_t *own = symbols + static_cast<ptrdiff_t>(i) * perKey;
         if (std::any_of(own, own + perKey, [](xcb_keysym_t each) { return each != XKB_KEY_NoSymbol; }))
             continue;
         spareKey = static_cast<xcb_keycode_t>(first + i);

@@ -51,6 +51,7 @@ std::vector<Strut> readStruts(XcbConnection &connection)
                                    XCB_ATOM_WINDOW, mostWindows);
     const xcb_atom_t partial = connection.atom("_NET_WM_STRUT_PARTIAL");
     std::vector<xcb_get_property_cookie_t> cookies;
+    cookies.reserve(windows.size());
     for (const xcb_window_t window : windows)
         cookies.push_back(xcb_get_property(connection.raw(), 0, window, partial, XCB_ATOM_CARDINAL, 0, 12));
     for (const auto cookie : cookies) {

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uintmax_t largestEntry = 256 * 1024; // bytes; the largest of a full desktop have 40 KiB
+constexpr std::uintmax_t largestEntry = 256ULL * 1024; // bytes; the largest of a full desktop have 40 KiB
 constexpr int deepestFolder = 8;
 constexpr qsizetype mostApplications = 20000;
 

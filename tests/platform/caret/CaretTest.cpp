@@ -99,6 +99,7 @@ TEST_F(CaretUnderHotKey, IsKnownInAProgramThatHadTheFocusBeforeTheServiceCame)
     const auto before = awaitCaret([](const auto &caret) { return caret.has_value(); });
     service = makeService();
     ASSERT_TRUE(connect());
+    ASSERT_TRUE(awaitCaret([](const auto &caret) { return caret.has_value(); })); // it has looked around
     expectToBeKnown(before);
 }
 
