@@ -148,6 +148,7 @@ TEST(AppLanguageTest, TheTestsTablesAreCompiledIn)
 TEST(AppLanguageTest, ManyThreadsLookUpWhileTheTableChanges)
 {
     std::vector<std::jthread> readers;
+    readers.reserve(4);
     std::atomic<int> wrong = 0;
     for (int reader = 0; reader < 4; ++reader) {
         readers.emplace_back([&wrong] {

@@ -111,7 +111,7 @@ TEST_F(XdgDesktopEntriesTest, PasswordStoresCarryTheirWellKnownIdentifiers)
 TEST_F(XdgDesktopEntriesTest, DamagedHugeAndHostileEntriesAreSkipped)
 {
     install("user/good.desktop", "Name=Good\n");
-    install("user/huge.desktop", "Name=Huge\nComment=" + QByteArray(300 * 1024, 'x'));
+    install("user/huge.desktop", "Name=Huge\nComment=" + QByteArray(qsizetype{300} * 1024, 'x'));
     install("user/binary.desktop", QByteArray("Name=Bin\0ary\n", 13));
     QFile::link(root.filePath("nowhere"), root.filePath("user/dangling.desktop"));
     QFile::link(root.filePath("user"), root.filePath("user/loop"));
@@ -143,6 +143,7 @@ TEST_F(XdgDesktopEntriesTest, ManyThreadsAskWhileItIsReadAndReadAnew)
     desktop.prewarm();
     std::atomic<int> wrong = 0;
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&] {
             for (int round = 0; round < 200; ++round)
