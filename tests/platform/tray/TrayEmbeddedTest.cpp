@@ -53,14 +53,15 @@ void shoot(const QString &name)
 }
 
 class TrayEmbeddedTest : public ::testing::Test, protected MenuRows {
+public:
+    ~TrayEmbeddedTest() override { stopTray(); }
+
 protected:
     TrayEmbeddedTest()
     {
         item.menuContents = [this] { return rows; };
         item.onActivate = [this] { ++activations; };
     }
-
-    ~TrayEmbeddedTest() override { stopTray(); }
 
     bool startTray()
     {
