@@ -19,7 +19,8 @@ QImage screenshot(const Desktop &desktop, QRect part)
     if (!reply || xcb_get_image_data_length(reply.get()) < seen.width() * seen.height() * 4)
         return {};
     const auto *pixels = xcb_get_image_data(reply.get());
-    return QImage(pixels, seen.width(), seen.height(), qsizetype{4} * seen.width(), QImage::Format_RGB32).copy();
+    return QImage(pixels, seen.width(), seen.height(), qsizetype{4} * seen.width(), QImage::Format_RGB32)
+        .copy();
 }
 
 QImage steadyScreenshot(const Desktop &desktop, QRect part)
