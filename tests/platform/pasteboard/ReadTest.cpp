@@ -305,7 +305,9 @@ TEST_F(ReadTest, ALargeSheetCostsItsProgramTwoSecondsAtMostAndNoPicture)
         qsizetype size;
         int milliseconds;
     };
-    const auto office = [](const char *name) { return QByteArray("application/x-openoffice-") + name; };
+    const auto office = [](const char *name) -> QByteArray {
+        return QByteArray("application/x-openoffice-") + name;
+    };
     const Rendering renderings[] = {
         {office("embed-source-xml;windows_formatname=\"Star Embed Source (XML)\""), 2'800'000, 640},
         {"text/rtf", 10'500'000, 190},
