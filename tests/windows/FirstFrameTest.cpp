@@ -47,6 +47,9 @@ private:
 };
 
 class FirstFrameTest : public ::testing::Test {
+public:
+    ~FirstFrameTest() override { QApplication::setPalette(QPalette()); }
+
 protected:
     FirstFrameTest()
     {
@@ -57,7 +60,6 @@ protected:
         popup.hide();
         letPrepare();
     }
-    ~FirstFrameTest() override { QApplication::setPalette(QPalette()); }
 
     void add(const QString &text)
     {

@@ -26,6 +26,9 @@ public:
 
 // The panel and all that is behind it, wired as the application wires it: the hot key toggles.
 class PanelOnDesktop : public ::testing::TestWithParam<PanelKind> {
+public:
+    ~PanelOnDesktop() override { setLogSink({}); }
+
 protected:
     PanelOnDesktop()
     {
@@ -45,7 +48,6 @@ protected:
         EXPECT_EQ(hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command | ModifierFlag::option), 0);
         setLogSink([this](const QString &line) { log += line; });
     }
-    ~PanelOnDesktop() override { setLogSink({}); }
     void open()
     {
         panel.field->clear();

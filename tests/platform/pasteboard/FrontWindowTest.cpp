@@ -65,9 +65,10 @@ private:
 };
 
 class FrontWindowTest : public PasteboardTest {
-protected:
+public:
     ~FrontWindowTest() override { front.forgetActive(); }
 
+protected:
     QString frontAfterCopy()
     {
         const qint64 before = pasteboard->changeCount();

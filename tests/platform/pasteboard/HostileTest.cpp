@@ -86,13 +86,14 @@ private:
 };
 
 class HostileTest : public PasteboardTest, public ::testing::WithParamInterface<Fault> {
-protected:
+public:
     ~HostileTest() override
     {
         hostile.kill();
         hostile.waitForFinished();
     }
 
+protected:
     // Until the fault has had its effect.
     bool startHostile()
     {

@@ -12,6 +12,16 @@ namespace {
 
 // An X server that the test may stop.
 class ServerLossTest : public ::testing::Test {
+public:
+    ~ServerLossTest() override
+    {
+        setLogSink({});
+        qputenv("DISPLAY", usualDisplay);
+        ::kill(static_cast<pid_t>(server.processId()), SIGCONT);
+        server.kill();
+        server.waitForFinished();
+    }
+
 protected:
     ServerLossTest() : usualDisplay(qgetenv("DISPLAY"))
     {
@@ -23,15 +33,6 @@ protected:
                      {"-displayfd", "1", "-nolisten", "tcp", "-noreset", "-screen", "0", "320x200x24"});
         EXPECT_TRUE(await([&] { return server.canReadLine(); }, 20000));
         qputenv("DISPLAY", ':' + server.readLine().trimmed());
-    }
-
-    ~ServerLossTest() override
-    {
-        setLogSink({});
-        qputenv("DISPLAY", usualDisplay);
-        ::kill(static_cast<pid_t>(server.processId()), SIGCONT);
-        server.kill();
-        server.waitForFinished();
     }
 
     QStringList logged()
