@@ -51,6 +51,7 @@ xcb_atom_t HostileProgram::atom(const std::string &name)
 std::string HostileProgram::atoms(const std::vector<std::string> &names)
 {
     std::vector<uint32_t> list;
+    list.reserve(names.size());
     for (const std::string &each : names)
         list.push_back(atom(each));
     return bytesOf(list);
