@@ -98,6 +98,7 @@ void fillTheWindow(HostileProgram &program, const Request &request)
 void listNames(HostileProgram &program, const Request &request)
 {
     std::vector<std::string> names;
+    names.reserve(1024);
     for (int i = 0; i < 1024; ++i)
         names.push_back(std::string(65500, 'n') + std::to_string(i)); // the longest that the protocol has
     program.put(request, "ATOM", 32, program.atoms(names));
@@ -119,6 +120,7 @@ void offerFarTooMuch(HostileProgram &program, const Request &request)
 {
     if (request.target == program.atom("TARGETS")) {
         std::vector<std::string> names;
+        names.reserve(20);
         for (int i = 0; i < 20; ++i)
             names.push_back("application/x-" + std::to_string(i));
         program.put(request, "ATOM", 32, program.atoms(names));
