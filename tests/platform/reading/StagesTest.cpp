@@ -31,6 +31,7 @@ GreyPicture inked(QSize size, const std::vector<PixelBox> &boxes)
 std::vector<PixelBox> word(int left, int top, int letters)
 {
     std::vector<PixelBox> boxes;
+    boxes.reserve(static_cast<size_t>(letters));
     for (int i = 0; i < letters; ++i)
         boxes.push_back({left + 8 * i, top, 6, 10});
     return boxes;
