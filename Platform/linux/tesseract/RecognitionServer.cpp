@@ -6,9 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QPainter>
 #include <cerrno>
-#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <poll.h>
@@ -27,8 +25,6 @@ constexpr qint64 loadMilliseconds = 20'000;
 constexpr qint64 graceSeconds = 3; // after its time is up, for what is not asked whether it may go on
 constexpr qsizetype longestRequest = qsizetype{1} << 20;
 constexpr int longestSide = 16'383; // pixels: the engine takes twice that, and small text is doubled
-constexpr qint64 mostPixels = 40'000'000;
-constexpr qint64 pixelsWhenTooMany = 16'000'000;
 
 qint64 cpuMilliseconds()
 {
@@ -44,26 +40,6 @@ void limitCpu(qint64 milliseconds)
     ::getrlimit(RLIMIT_CPU, &limit);
     limit.rlim_cur = static_cast<rlim_t>((cpuMilliseconds() + milliseconds) / 1000 + graceSeconds);
     ::setrlimit(RLIMIT_CPU, &limit);
-}
-
-QImage ofReadableSize(const QImage &image)
-{
-    const qint64 pixels = qint64{image.width()} * image.height();
-    if (pixels <= mostPixels)
-        return image;
-    const double scale = std::sqrt(static_cast<double>(pixelsWhenTooMany) / static_cast<double>(pixels));
-    return image.scaled((QSizeF(image.size()) * scale).toSize().expandedTo({1, 1}), Qt::IgnoreAspectRatio,
-                        Qt::SmoothTransformation);
-}
-
-QImage onWhite(const QImage &image)
-{
-    if (!image.hasAlphaChannel())
-        return image;
-    QImage opaque(image.size(), QImage::Format_RGB32);
-    opaque.fill(Qt::white);
-    QPainter(&opaque).drawImage(0, 0, image);
-    return opaque;
 }
 
 } // namespace
@@ -116,7 +92,7 @@ ReadAnswer RecognitionServer::read(const ReadRequest &request, const QByteArray 
         return {Outcome::unreadable, {}};
     if (!reader)
         return {Outcome::failed, {}};
-    auto fragments = reader->read(onWhite(ofReadableSize(file.picture)), isExpired);
+    auto fragments = reader->read(file.picture, isExpired);
     if (!fragments)
         return {isExpired() ? Outcome::expired : Outcome::failed, {}};
     return {Outcome::read, {file.uprightSize, std::move(*fragments)}};
