@@ -1,36 +1,16 @@
 #include "Platform/linux/x11/PictureConversion.h"
 
+#include "Platform/ImageFile.h"
+
 #include <QBuffer>
-#include <QImageReader>
 #include <QImageWriter>
-#include <array>
-
-namespace {
-
-constexpr qint64 maxPixels = 64LL * 1000 * 1000;
-
-// Formats that refer to other files, or that are drawn rather than decoded.
-constexpr std::array excludedFormats = {"svg", "svgz", "pdf"};
-
-} // namespace
+#include <limits>
 
 std::optional<QByteArray> pngFromPicture(const QByteArray &picture)
 {
-    QBuffer source;
-    source.setData(picture);
-    source.open(QIODevice::ReadOnly);
-    QImageReader reader(&source);
-    reader.setDecideFormatFromContent(true);
-    const QByteArray format = reader.format();
-    if (std::find(excludedFormats.begin(), excludedFormats.end(), format) != excludedFormats.end())
-        return std::nullopt;
-    const QSize size = reader.size();
-    if (qint64(size.width()) * size.height() > maxPixels)
-        return std::nullopt;
-    const QImage image = reader.read();
+    const QImage image = readImageFile(picture, std::numeric_limits<int>::max()).picture;
     if (image.isNull())
         return std::nullopt;
-
     QByteArray png;
     QBuffer target(&png);
     target.open(QIODevice::WriteOnly);

@@ -7,8 +7,8 @@
 #include <optional>
 #include <thread>
 
-// Any raster picture that can be decoded, as PNG. Absent for what is no picture, for vectors and pages, and
-// for pictures of more than 64 megapixels. Takes as long as the picture is large: for a worker. Any thread.
+// A picture that readImageFile (Platform/ImageFile.h) can read, upright and as PNG; absent for any other.
+// Takes as long as the picture is large: for a worker. Any thread.
 [[nodiscard]] std::optional<QByteArray> pngFromPicture(const QByteArray &picture);
 
 // Makes PNGs on a thread of its own, which starts with the first picture. One at a time: a picture that still
