@@ -2,6 +2,7 @@
 // against a bare window of the same toolkit, shown the same way in the same run. Needs an X server of its own
 // (tests/support/private-desktop).
 
+#include "bench/HotKeyTiming.h"
 #include "bench/SampleClips.h"
 
 #include "Norvane/AppDelegate.h"
@@ -12,7 +13,6 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
@@ -30,101 +30,13 @@ constexpr double openingAim = 1.5; // times the bare window
 constexpr double frame = 16.7;     // milliseconds, of 60 a second
 
 // X key codes.
-constexpr uint8_t controlKey = 37, altKey = 64, vKey = 55, backspaceKey = 22;
+constexpr uint8_t backspaceKey = 22;
 constexpr struct {
     const char *word;
     std::array<uint8_t, 6> keys; // 0: none
 } words[] = {{"perche", {33, 26, 27, 54, 43, 26}},
              {"zzyzx", {52, 52, 29, 52, 53, 0}},
              {"e no", {26, 65, 57, 32, 0, 0}}};
-
-// Types keys as a person's keyboard would, from a connection of its own.
-class Typist {
-public:
-    Typist() : connection(xcb_connect(nullptr, nullptr)) {}
-    ~Typist() { xcb_disconnect(connection); }
-    Typist(const Typist &) = delete;
-    Typist &operator=(const Typist &) = delete;
-
-    void send(uint8_t type, uint8_t key)
-    {
-        xcb_test_fake_input(connection, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_flush(connection);
-    }
-    void tap(uint8_t key)
-    {
-        send(XCB_KEY_PRESS, key);
-        send(XCB_KEY_RELEASE, key);
-    }
-    void holdModifiers()
-    {
-        send(XCB_KEY_PRESS, controlKey);
-        send(XCB_KEY_PRESS, altKey);
-    }
-    void letModifiersGo()
-    {
-        send(XCB_KEY_RELEASE, altKey);
-        send(XCB_KEY_RELEASE, controlKey);
-    }
-
-private:
-    xcb_connection_t *connection;
-};
-
-// Notes when a widget has painted its first frame after `arm`.
-class FrameWatch : public QObject {
-public:
-    explicit FrameWatch(QWidget *widget) : watched(widget)
-    {
-        qApp->installEventFilter(this); // comes before every filter of the widget's own
-        deadline.setSingleShot(true);
-        connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
-    }
-
-    void arm()
-    {
-        painted = false;
-        clock.start();
-    }
-    [[nodiscard]] double milliseconds() const { return static_cast<double>(elapsed) / 1e6; }
-
-    // In an event loop of its own, which sleeps until there is something to do: polling would measure the
-    // polling.
-    [[nodiscard]] bool awaitFrame()
-    {
-        deadline.start(3000);
-        if (!painted)
-            loop.exec();
-        deadline.stop();
-        return painted;
-    }
-
-protected:
-    bool eventFilter(QObject *receiver, QEvent *event) override
-    {
-        if (receiver == watched && event->type() == QEvent::Paint && !painted && clock.isValid())
-            QTimer::singleShot(0, this, [this] { finish(); });
-        return false;
-    }
-
-private:
-    void finish()
-    {
-        if (painted)
-            return;
-        QGuiApplication::sync();
-        elapsed = clock.nsecsElapsed();
-        painted = true;
-        loop.quit();
-    }
-
-    QWidget *watched;
-    QEventLoop loop;
-    QTimer deadline;
-    QElapsedTimer clock;
-    qint64 elapsed = 0;
-    bool painted = false;
-};
 
 double median(std::vector<double> times)
 {
@@ -140,34 +52,6 @@ struct Subject {
     std::function<bool()> isHidden;
 };
 
-void toggle(Typist &typist)
-{
-    typist.holdModifiers();
-    typist.tap(vKey);
-    typist.letModifiersGo();
-}
-
-void close(const Subject &subject, Typist &typist)
-{
-    toggle(typist);
-    if (!QTest::qWaitFor(subject.isHidden, 3000))
-        std::fprintf(stderr, "the window did not close\n");
-    QTest::qWait(250);
-}
-
-// The time of one opening; absent when there was none.
-std::optional<double> open(FrameWatch &watch, Typist &typist)
-{
-    typist.holdModifiers();
-    watch.arm();
-    typist.send(XCB_KEY_PRESS, vKey);
-    const bool opened = watch.awaitFrame();
-    typist.send(XCB_KEY_RELEASE, vKey);
-    typist.letModifiersGo();
-    QTest::qWait(60); // an open panel at rest
-    return opened ? std::optional(watch.milliseconds()) : std::nullopt;
-}
-
 double measureOpening(const Subject &subject, Typist &typist)
 {
     FrameWatch watch(subject.window);
@@ -176,7 +60,7 @@ double measureOpening(const Subject &subject, Typist &typist)
         const auto time = open(watch, typist);
         if (time && i >= bareOpeningsFirst)
             times.push_back(*time);
-        close(subject, typist);
+        close(subject.isHidden, typist);
     }
     return median(times);
 }
@@ -212,7 +96,7 @@ Typing measureTyping(const Subject &subject, Typist &typist)
             QTest::qWait(40);
         }
     }
-    close(subject, typist);
+    close(subject.isHidden, typist);
     Typing typing{median(all), 0, {}};
     for (const auto &[query, times] : byQuery) {
         if (median(times) > typing.worst) {

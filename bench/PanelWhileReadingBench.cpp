@@ -6,18 +6,16 @@
 #include "Norvane/app/Preferences.h"
 #include "Norvane/store/ClipStore.h"
 #include "Platform/linux/compose/LinuxPlatform.h"
+#include "bench/HotKeyTiming.h"
 #include "bench/SampleClips.h"
 
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
-#include <QEventLoop>
 #include <QPainter>
 #include <QTemporaryDir>
-#include <QTest>
 #include <csignal>
 #include <unistd.h>
-#include <xcb/xtest.h>
 
 namespace {
 
@@ -25,7 +23,6 @@ constexpr int openings = 30;
 constexpr int openingsFirst = 5; // thrown away: fonts and caches
 constexpr int screenshots = 20, texts = 500;
 constexpr double aim = 1.3;
-constexpr uint8_t controlKey = 37, altKey = 64, vKey = 55; // X key codes
 
 // A full screen of windows with text.
 QByteArray screenshot(QRandomGenerator &random)
@@ -80,74 +77,6 @@ qsizetype readImages(const QString &folder)
                                  [](const ClipPointer &clip) { return clip->recognizedText.has_value(); });
 }
 
-// Presses the hot key and notes when the panel has painted its first frame.
-class Presser : public QObject {
-public:
-    Presser(QWidget &watched, const PanelSurface &shownBy)
-        : window(watched), surface(shownBy), connection(xcb_connect(nullptr, nullptr))
-    {
-        window.installEventFilter(this);
-        deadline.setSingleShot(true);
-        connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
-    }
-    ~Presser() override { xcb_disconnect(connection); }
-
-    // Milliseconds; absent when the panel did not open.
-    std::optional<double> measure()
-    {
-        painted = false;
-        clock.start();
-        press();
-        deadline.start(3000);
-        if (!painted)
-            loop.exec();
-        const bool opened = painted;
-        QTest::qWait(60); // an open panel at rest
-        press();
-        if (!QTest::qWaitFor([this] { return !surface.isPresented(); }, 3000))
-            std::fprintf(stderr, "the panel did not close\n");
-        QTest::qWait(250);
-        return opened ? std::optional(static_cast<double>(elapsed) / 1e6) : std::nullopt;
-    }
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint && !painted && clock.isValid())
-            QTimer::singleShot(0, this, [this] { finish(); });
-        return false;
-    }
-
-private:
-    void press()
-    {
-        for (const uint8_t key : {controlKey, altKey, vKey})
-            xcb_test_fake_input(connection, XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        for (const uint8_t key : {vKey, altKey, controlKey})
-            xcb_test_fake_input(connection, XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_flush(connection);
-    }
-
-    void finish()
-    {
-        if (painted)
-            return;
-        QGuiApplication::sync();
-        elapsed = clock.nsecsElapsed();
-        painted = true;
-        loop.quit();
-    }
-
-    QWidget &window;
-    const PanelSurface &surface;
-    xcb_connection_t *connection;
-    QEventLoop loop;
-    QTimer deadline;
-    QElapsedTimer clock;
-    qint64 elapsed = 0;
-    bool painted = false;
-};
-
 double quantile(std::vector<double> values, double part)
 {
     if (values.empty())
@@ -191,14 +120,17 @@ struct Times {
     std::vector<double> whileReading;
 };
 
-Times measured(Presser &presser)
+Times measured(QWidget *panel, const PanelSurface &surface)
 {
+    FrameWatch watch(panel);
+    Typist typist;
     Times times;
     for (int i = -2 * openingsFirst; i < 2 * openings; ++i) {
         const bool isHeld = i % 2 != 0;
         if (!hold(isHeld))
             break;
-        const auto time = presser.measure();
+        const auto time = open(watch, typist);
+        close([&surface] { return !surface.isPresented(); }, typist);
         if (time && i >= 0)
             (isHeld ? times.atRest : times.whileReading).push_back(*time);
     }
@@ -230,8 +162,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "no image is being read\n");
         return 1;
     }
-    Presser presser(*panel, *platform->panelSurface);
-    const Times times = measured(presser);
+    const Times times = measured(panel, *platform->panelSurface);
     print("reading held:", times.atRest);
     print("while reading:", times.whileReading);
     std::printf("%d of %d images were read meanwhile\n", static_cast<int>(readImages(folder.path())),
