@@ -2,35 +2,10 @@
 
 #include "Norvane/ClipListModel.h"
 
-#include <QCache>
 #include <QListView>
-#include <QStaticText>
-#include <QStyledItemDelegate>
 #include <functional>
 
 class ClipIcons;
-
-// Draws one row of the list: number, icon, title, application and detail, pin. Main thread.
-class ClipCellView : public QStyledItemDelegate {
-    Q_OBJECT
-
-public:
-    ClipCellView(ClipIcons &icons, const ClipListModel &model, QObject *parent);
-
-    // 48 points for an image, 44 for every other kind.
-    [[nodiscard]] static int rowHeight(ClipKind kind);
-
-    void paint(QPainter *painter, const QStyleOptionViewItem &option,
-               const QModelIndex &index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-
-private:
-    void drawText(QPainter *painter, const QRect &frame, const QString &text, const QFont &font) const;
-
-    ClipIcons &icons;
-    const ClipListModel &model;
-    mutable QCache<QString, QStaticText> lines{400}; // by text, width and size of the font
-};
 
 // The list of clips. Rows of two heights are found by sums made once a result, so that 100,000 rows cost no
 // more than the few on screen. Main thread.

@@ -1,3 +1,4 @@
+#include "Norvane/ClipCellView.h"
 #include "Norvane/ClipViews.h"
 
 #include "Norvane/ClipIcons.h"
