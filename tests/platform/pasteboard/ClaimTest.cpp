@@ -1,5 +1,5 @@
 #include "Platform/linux/x11/ClipboardWatch.h"
-#include "tests/platform/pasteboard/X11Client.h"
+#include "tests/platform/pasteboard/PasteboardTest.h"
 
 // Claims that another program was faster than, step by step.
 

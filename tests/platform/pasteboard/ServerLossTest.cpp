@@ -1,5 +1,5 @@
 #include "Platform/Log.h"
-#include "tests/platform/pasteboard/X11Client.h"
+#include "tests/platform/pasteboard/PasteboardTest.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

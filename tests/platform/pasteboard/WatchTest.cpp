@@ -1,4 +1,4 @@
-#include "tests/platform/pasteboard/X11Client.h"
+#include "tests/platform/pasteboard/PasteboardTest.h"
 
 #include <QElapsedTimer>
 
