@@ -249,8 +249,9 @@ void ClipboardWatch::advance(TimePoint now)
 TimePoint ClipboardWatch::deadline() const
 {
     TimePoint first = TimePoint::max();
-    for (const auto &due : {clearDue, retryDue})
-        first = std::min(first, due.value_or(TimePoint::max()));
+    first = std::min(first, retryDue.value_or(TimePoint::max()));
+    if (!isReading()) // what is read then, or turned into PNG, has a deadline of its own
+        first = std::min(first, clearDue.value_or(TimePoint::max()));
     if (reader)
         first = std::min(first, reader->deadline());
     else if (keepDue)
