@@ -48,7 +48,8 @@ void X11KeyEvents::postPaste()
     target = workspace.rememberedWindow();
     const bool underWayland = workspace.remembered()->isUnderWayland();
     triesLeft = (underWayland ? longestWaitForCompositor : longestWait) / interval;
-    calmLeft = underWayland ? compositorSettles / interval : 0;
+    calmNeeded = underWayland ? compositorSettles / interval : 0;
+    calmLeft = calmNeeded;
     askedForPrimary = false;
     retry.start();
     tryToPaste();
@@ -70,6 +71,7 @@ void X11KeyEvents::tryToPaste()
         keys->type(paste.stroke);
         return;
     }
+    calmLeft = calmNeeded;
     if (sameWindow && --triesLeft > 0)
         return;
     retry.stop();

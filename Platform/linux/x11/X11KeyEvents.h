@@ -29,7 +29,8 @@ private:
     std::unique_ptr<SyntheticKeys> keys; // null without an X server
     QTimer retry;
     int triesLeft = 0;
-    int calmLeft = 0;   // looks at a focus that is there
+    int calmNeeded = 0; // looks in a row that find the focus there, before the stroke
+    int calmLeft = 0;
     quint32 target = 0; // the window that the paste is for
     bool askedForPrimary = false;
 };
