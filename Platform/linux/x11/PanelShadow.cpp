@@ -1,13 +1,13 @@
 #include "Platform/linux/x11/PanelShadow.h"
 
 #include "Platform/linux/x11/ShadowPicture.h"
+#include "Platform/linux/x11/WindowProperties.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
-#include <cstring>
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 
@@ -43,14 +43,9 @@ xcb_visualid_t translucentVisual(const xcb_screen_t *screen)
 // Some compositors draw shadows of their own where they are set to, round and under the panel's.
 void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window)
 {
-    constexpr char name[] = "_COMPTON_SHADOW";
-    xcb_intern_atom_reply_t *reply =
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
     constexpr uint32_t none = 0;
-    if (reply)
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, reply->atom, XCB_ATOM_CARDINAL, 32, 1,
-                            &none);
-    std::free(reply);
+    if (const xcb_atom_t atom = internAtom(connection, "_COMPTON_SHADOW"); atom != XCB_ATOM_NONE)
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom, XCB_ATOM_CARDINAL, 32, 1, &none);
 }
 
 // Line by line as many as one request holds.

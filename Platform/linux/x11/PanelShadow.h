@@ -17,7 +17,7 @@ public:
     PanelShadow() = default;
     ~PanelShadow() override;
 
-    // The widget must have its window flags. `radius`: of the panel's corners, in points.
+    // `radius`: of the panel's corners, in points.
     void adopt(QWidget *panel, double radius);
 
     // To be called when a compositor comes or goes.

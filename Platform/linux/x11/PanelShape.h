@@ -7,8 +7,6 @@
 #include <QSize>
 #include <QWidget>
 
-class XcbConnection;
-
 // The panel's rounded corners and its shadow. Under a compositor the window is translucent and the panel
 // itself draws them, smooth, and a shadow lies around it; without one the window is cut line by line, since a
 // translucent window's corners would be black. Clicks beyond the curve go to what lies behind in both cases.

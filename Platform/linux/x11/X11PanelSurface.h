@@ -9,7 +9,6 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
-#include <QSize>
 #include <QWidget>
 #include <optional>
 
