@@ -71,6 +71,7 @@ PopupController::PopupController(const Services &given)
     connect(panel->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PopupController::showPreview);
     connect(&services.prefs, &Preferences::showPreviewChanged, this, prepareIfHidden);
+    connect(&services.prefs, &Preferences::recognizeTextChanged, this, &PopupController::renewPreview);
     services.surface.adopt(panel.get());
     services.surface.onDismissRequest = [this] { hide(); };
     prepareLater();
@@ -165,7 +166,14 @@ void PopupController::setMenuButtonVisible(bool visible)
 void PopupController::setReadsImages(bool reads)
 {
     panel->previewPane->setReadsImages(reads);
-    if (!isVisible())
+    renewPreview();
+}
+
+void PopupController::renewPreview()
+{
+    if (isVisible())
+        showPreview();
+    else
         prepareLater();
 }
 

@@ -79,6 +79,7 @@ private:
     void setFilter(int segment);
     void stepFilter(int step);
     void showPreview();
+    void renewPreview(); // of the clip that is selected, after a setting changed
     void updateCount();
     void leaveFor(const std::function<void()> &action);
 

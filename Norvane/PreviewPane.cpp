@@ -112,13 +112,21 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
         arrange(Arrangement::nothing);
         return;
     }
-    if (clip == shownClip.lock() && clip->revision == shownRevision)
+    const bool isImage = clip->kind == ClipKind::image;
+    const bool isSameClip = clip == shownClip.lock();
+    const bool promises = isImage && readsImages && prefs.recognizeText();
+    if (isSameClip && clip->revision == shownRevision && promises == promisesText)
         return;
     shownClip = clip;
     shownRevision = clip->revision;
-    ++*generation;
+    promisesText = promises;
+    if (!isSameClip) {
+        ++*generation;
+        if (isImage)
+            loadImage(*clip, store); // no revision changes it
+    }
     QStringList parts{title(clip->kind)};
-    parts += clip->kind == ClipKind::image ? showImage(*clip, store) : showText(*clip);
+    parts += isImage ? showImage(*clip) : showText(*clip);
     if (clip->appName)
         parts << L("da %@", *clip->appName);
     parts << dateText(clip->created);
@@ -126,13 +134,12 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
     placeViews();
 }
 
-QStringList PreviewPane::showImage(const Clip &clip, const ClipStore &store)
+QStringList PreviewPane::showImage(const Clip &clip)
 {
     QStringList parts{L("%@×%@ px", static_cast<qint64>(clip.pixelSize.width()),
                         static_cast<qint64>(clip.pixelSize.height())),
                       byteCountText(clip.size)};
     pixelSize = clip.pixelSize;
-    loadImage(clip, store);
     if (clip.recognizedText && !clip.recognizedText->isEmpty()) {
         textView->showText(*clip.recognizedText, Metrics::font(12.5), scaled(96));
         arrange(Arrangement::imageAndText);
@@ -140,7 +147,7 @@ QStringList PreviewPane::showImage(const Clip &clip, const ClipStore &store)
         return parts;
     }
     arrange(Arrangement::imageOnly);
-    if (!clip.recognizedText && readsImages && prefs.recognizeText())
+    if (!clip.recognizedText && promisesText)
         parts << L("lettura del testo…");
     return parts;
 }
@@ -157,7 +164,9 @@ void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
         return;
     }
     QThreadPool::globalInstance()->start(
-        [bytes = *bytes, pane = QPointer(this), wanted = *generation, current = generation] {
+        [bytes = *bytes, pane = QPointer(this), wanted = generation->load(), current = generation] {
+            if (*current != wanted)
+                return;
             const QImage image = decodedPicture(bytes, longestSide);
             if (image.isNull())
                 return;

@@ -4,6 +4,7 @@
 
 #include <QPlainTextEdit>
 #include <QWidget>
+#include <atomic>
 #include <memory>
 
 class ClipStore;
@@ -51,7 +52,8 @@ private:
     QPixmap scaledImage;
 };
 
-// The selected clip in full beside the list: its text or image, or both, and a line about it. Main thread.
+// The selected clip in full beside the list: its text (styled text plain so far) or image, or both, and a
+// line about it. Main thread.
 //
 // Large images are decoded on a worker; what arrives for a clip that is not shown any more is dropped.
 class PreviewPane : public QWidget {
@@ -64,7 +66,7 @@ public:
     // Whether images are being read at all: without that the pane promises no text.
     void setReadsImages(bool reads) { readsImages = reads; }
 
-    // Null clears the pane. A clip that is shown already in this revision keeps its scroll position.
+    // Null clears the pane. A clip of which nothing has changed keeps its scroll position.
     void show(const ClipPointer &clip, const ClipStore &store);
 
     [[nodiscard]] QString information() const;
@@ -81,7 +83,7 @@ protected:
 private:
     enum class Arrangement { nothing, textOnly, imageOnly, imageAndText };
 
-    QStringList showImage(const Clip &clip, const ClipStore &store);
+    QStringList showImage(const Clip &clip);
     QStringList showText(const Clip &clip);
     void loadImage(const Clip &clip, const ClipStore &store);
     void arrange(Arrangement chosen);
@@ -96,7 +98,9 @@ private:
     Arrangement arrangement = Arrangement::nothing;
     QSizeF pixelSize;
     bool readsImages = false;
+    bool promisesText = false; // of the image that is shown
     std::weak_ptr<Clip> shownClip;
     qint64 shownRevision = 0;
-    std::shared_ptr<qint64> generation = std::make_shared<qint64>(0); // of the image asked for last
+    // Of the clip that is shown: the worker leaves out images of others.
+    std::shared_ptr<std::atomic<qint64>> generation = std::make_shared<std::atomic<qint64>>(0);
 };

@@ -71,10 +71,14 @@ TEST_F(PreviewPaneTest, InformationSaysWhatIsShown)
     pane.show(addImage(30, 20), store);
     EXPECT_FALSE(pane.information().contains(u"lettura"_s)) << "nothing here reads images";
     pane.setReadsImages(true);
-    pane.show(addImage(40, 20), store);
+    const ClipPointer image = addImage(40, 20);
+    pane.show(image, store);
     EXPECT_TRUE(pane.information().startsWith(u"Immagine · 40×20 px · "_s))
         << pane.information().toStdString();
     EXPECT_TRUE(pane.information().contains(u"lettura del testo…"_s));
+    pane.setReadsImages(false);
+    pane.show(image, store);
+    EXPECT_FALSE(pane.information().contains(u"lettura"_s)) << "of the clip that is shown already";
     pane.show(nullptr, store);
     EXPECT_TRUE(pane.information().isEmpty());
     EXPECT_FALSE(pane.text().isVisible());
