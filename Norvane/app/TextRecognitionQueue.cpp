@@ -4,9 +4,12 @@
 #include "Platform/Log.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
+
+constexpr std::chrono::seconds restOver(70); // a little longer than the service rests
 
 bool isCandidate(const ClipPointer &clip)
 {
@@ -21,6 +24,8 @@ TextRecognitionQueue::TextRecognitionQueue(ClipStore &history, std::shared_ptr<R
       ready(queue.readyDescriptor(), QSocketNotifier::Read)
 {
     connect(&ready, &QSocketNotifier::activated, this, &TextRecognitionQueue::finish);
+    again.setSingleShot(true);
+    again.callOnTimeout(this, &TextRecognitionQueue::kick);
 }
 
 TextRecognitionQueue::~TextRecognitionQueue() = default;
@@ -64,8 +69,11 @@ void TextRecognitionQueue::finish()
     isAsking = false;
     const ClipPointer clip = std::exchange(current, nullptr);
     setCanRead(result->canRead);
-    if (!result->canRead)
+    if (!result->canRead) {
+        if (clip) // the service rests after crashes: there is work left
+            again.start(restOver);
         return;
+    }
     if (clip)
         store.setRecognizedText(result->text.value_or(QString()), clip);
     kick();

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -15,7 +16,8 @@ class ClipStore;
 //
 // The history is the list of work: an image clip without recognised text is one to read. Every image that is
 // read gets a result, an unreadable one the empty text, so that none is read twice. While nothing can be read
-// at all (no language data, no recognition process), images stay as they are and the next kick asks again.
+// at all (no language data, no recognition process), images stay as they are and the next kick asks again;
+// when it ended with an image in hand, a kick of its own follows.
 class TextRecognitionQueue : public QObject {
     Q_OBJECT
 
@@ -48,5 +50,6 @@ private:
     QSocketNotifier ready;
     ClipPointer current; // the image that is being read
     bool isAsking = false;
+    QTimer again;
     std::optional<bool> canRead_;
 };
