@@ -145,8 +145,11 @@ bool ProcessRecognition::isProven(const QString &code)
     const QString mark = fileMark(code);
     if (proven.contains(mark))
         return true;
-    if (!loadInto({code})) {
-        if (process && !isCancelled)
+    // A process that dies may have been the kernel's choice; data that is damaged ends the next one too.
+    if (!loadInto({code}) && !(process && process->end() == End::crash && loadInto({code}))) {
+        if (process && process->end() == End::tooLong) // a busy machine is not the file's fault
+            restAfter(QStringLiteral("the language data took too long to load"));
+        else if (process && !isCancelled)
             leaveOut(code);
         return false;
     }
