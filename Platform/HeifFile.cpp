@@ -83,8 +83,10 @@ ImageFile readHeif(const QByteArray &bytes, qint64 maxPixels)
                         heif_image_handle_get_height(handle.get())};
     file.storedSize = {heif_image_handle_get_ispe_width(handle.get()),
                        heif_image_handle_get_ispe_height(handle.get())};
-    if (file.storedSize.isEmpty() || qint64{file.storedSize.width()} * file.storedSize.height() > maxPixels)
-        return file;
+    for (const QSize size : {file.storedSize, file.uprightSize}) { // which a hostile file lets differ
+        if (size.isEmpty() || qint64{size.width()} * size.height() > maxPixels)
+            return file;
+    }
     file.picture = pixelsOf(handle.get());
     return file;
 }
