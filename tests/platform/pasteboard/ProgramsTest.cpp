@@ -94,7 +94,7 @@ private:
         auto *map = xcb_get_keyboard_mapping_reply(connection, cookie, nullptr);
         const xcb_keysym_t *keysyms = xcb_get_keyboard_mapping_keysyms(map);
         int found = 0;
-        while (found < count && keysyms[found * map->keysyms_per_keycode] != keysym)
+        while (found < count && keysyms[ptrdiff_t{found} * map->keysyms_per_keycode] != keysym)
             ++found;
         std::free(map);
         return static_cast<xcb_keycode_t>(setup->min_keycode + found);

@@ -116,7 +116,8 @@ TEST_F(ServeTest, SeveralTargetsInOneRequest)
 
 TEST_F(ServeTest, LongContentGoesOutInChunksAndShortWhole)
 {
-    write({{{form(u"x/short", pattern(256 * 1024)), form(u"x/long", pattern(256 * 1024 + 1)),
+    constexpr qsizetype chunkless = 262'144;
+    write({{{form(u"x/short", pattern(chunkless)), form(u"x/long", pattern(chunkless + 1)),
              form(u"x/longer", pattern(5'000'003))}}});
     const auto whole = requestor.convert("x/short");
     ASSERT_TRUE(whole);
