@@ -10,6 +10,7 @@
 #include <optional>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -67,7 +68,7 @@ bool handshakeBegins(int descriptor, int limit)
 QString sessionBusAddress()
 {
     const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    if (address.startsWith(u"autolaunch:"))
+    if (address.startsWith(u"autolaunch:") || address.startsWith(u"disabled:"))
         return {};
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!address.isEmpty() || runtimeFolder.isEmpty())
@@ -83,9 +84,12 @@ bool busAnswers(const QString &address, int limit)
     const auto place = socketAddress(address);
     if (!place)
         return true;
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0)
         return false;
+    // A bus that many programs call at once, as at login, lets a caller wait.
+    const timeval patience{limit / 1000, limit % 1000 * 1000};
+    ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     const bool connected =
         ::connect(descriptor, reinterpret_cast<const sockaddr *>(&place->address), place->size) == 0;
     const bool alive = connected && handshakeBegins(descriptor, limit);

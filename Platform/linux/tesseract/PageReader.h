@@ -17,8 +17,8 @@ public:
     ~PageReader();
 
     // The fragments of an upright picture of any size, best guess each; what is transparent counts as white.
-    // `isExpired` is asked often; once it is true the reading ends without a result. Absent then, and when the
-    // engine fails.
+    // `isExpired` is asked often; once it is true the reading ends without a result. Absent then, and when
+    // the engine fails.
     [[nodiscard]] std::optional<std::vector<RecognizedFragment>> read(const QImage &upright,
                                                                       const std::function<bool()> &isExpired);
 
