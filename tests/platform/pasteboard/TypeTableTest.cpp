@@ -21,6 +21,9 @@ Names asked(const Names &targets)
 
 const QByteArray embedSource =
     "application/x-openoffice-embed-source-xml;windows_formatname=\"Star Embed Source (XML)\"";
+// As long as a document deep in folders makes it.
+const QByteArray descriptor =
+    "application/x-openoffice-objectdescriptor-xml;displayname=\"file:///" + QByteArray(1000, 'd') + "\"";
 
 } // namespace
 
@@ -49,11 +52,11 @@ TEST(TypeTableTest, OwnersOfEveryKindAreAskedForWhatTheyAreGoodFor)
          {"image/png|image/tiff|image/bmp|image/x-icon", "image/x-xcf"}},
         {"Writer",
          {embedSource, "text/rtf", "text/richtext", "text/html", "text/plain;charset=utf-16",
-          "application/x-openoffice-link;windows_formatname=\"Link\"",
-          "application/x-openoffice-objectdescriptor-xml;displayname=secret", "UTF8_STRING",
+          "application/x-openoffice-link;windows_formatname=\"Link\"", descriptor, "UTF8_STRING",
           "application/x-openoffice-bitmap;windows_formatname=\"Bitmap\"",
           "application/x-libreoffice-internal-id-4711"},
-         {"UTF8_STRING|text/plain;charset=utf-16", "text/html", "text/rtf|text/richtext", embedSource}},
+         {"UTF8_STRING|text/plain;charset=utf-16", "text/html", "text/rtf|text/richtext", embedSource,
+          descriptor}},
         {"Chromium",
          {"chromium/x-source-url", "text/html", "STRING", "UTF8_STRING"},
          {"UTF8_STRING|STRING", "text/html", "chromium/x-source-url"}},
@@ -78,6 +81,7 @@ TEST(TypeTableTest, WhatChangesItsOwnerIsNeverConverted)
           "application/x-libreoffice-internal-id-1", "HOSTNAME", "ATOM", "_VT_SELECTION", ""})
         EXPECT_TRUE(isNeverConverted(name)) << name;
     EXPECT_TRUE(isNeverConverted("x/" + QByteArray(maxTargetNameLength, 'a')));
+    EXPECT_TRUE(isNeverConverted(descriptor + QByteArray(maxDescriptorLength, 'd')));
     EXPECT_TRUE(isNeverConverted("text/\xFF"));
     for (const char *name : {"UTF8_STRING", "STRING", "TEXT", "text/plain", "chromium/x-source-url"})
         EXPECT_FALSE(isNeverConverted(name)) << name;
@@ -113,6 +117,7 @@ TEST(TypeTableTest, TypesGoOutUnderTheTargetsTheyCameFrom)
     EXPECT_EQ(targetsOf(QStringLiteral("public.heic")), Names{"image/heic"});
     EXPECT_EQ(targetsOf(QStringLiteral("com.compuserve.gif")), Names{"image/gif"});
     EXPECT_EQ(targetsOf(QStringLiteral("image/x-xcf")), Names{"image/x-xcf"});
+    EXPECT_EQ(targetsOf(QString::fromUtf8(descriptor)), Names{descriptor});
     EXPECT_EQ(targetsOf(QStringLiteral("DELETE")), Names());
     EXPECT_EQ(targetsOf(QStringLiteral("TARGETS")), Names());
     EXPECT_EQ(targetsOf(QStringLiteral("x-special/gnome-copied-files")), Names());
