@@ -123,7 +123,7 @@ bool canSearch(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 {
     const auto name = AtSpiInquiry::readProperty<QString>(
         inquiry.ask(AtSpiInquiry::propertyQuestion(root, AtSpi::accessible, QStringLiteral("Name"))));
-    return name != QLatin1String("soffice");
+    return name && name != QLatin1String("soffice"); // LibreOffice is slow to answer when it works
 }
 
 Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root)

@@ -6,7 +6,8 @@
 namespace AtSpiTree {
 
 // Whether the program may be asked to search all that it has. LibreOffice may not: it goes through every cell
-// of an empty sheet too, some ten thousand million, and does nothing else from then on.
+// of an empty sheet too, some ten thousand million, and does nothing else from then on. Nor may a program
+// that does not say in time which one it is.
 [[nodiscard]] bool canSearch(const AtSpiInquiry &inquiry, const AtSpiObject &root);
 
 // The objects that have the focus, outer ones before inner ones: one question where the program can search or
