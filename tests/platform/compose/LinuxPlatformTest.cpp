@@ -140,3 +140,19 @@ TEST(LinuxPlatform, HasEveryServiceAndNothingToSayAgainstThisDesktop)
 }
 
 } // namespace
+
+TEST(LinuxPlatform, ADisplayThatIsMissingIsNamed)
+{
+    const QByteArray display = qgetenv("DISPLAY");
+    QString problem;
+    EXPECT_TRUE(reachDisplay(problem));
+    for (const char *missing : {":64999", "nonsense"}) {
+        qputenv("DISPLAY", missing);
+        EXPECT_FALSE(reachDisplay(problem));
+        EXPECT_TRUE(problem.contains(QLatin1String(missing))) << problem.toStdString();
+    }
+    qunsetenv("DISPLAY");
+    EXPECT_FALSE(reachDisplay(problem));
+    EXPECT_TRUE(problem.contains(u"DISPLAY is not set")) << problem.toStdString();
+    qputenv("DISPLAY", display);
+}

@@ -308,6 +308,25 @@ TEST_F(KeepTest, ACutThatWasHeldAgainstItsOwnersWillIsPastedOnce)
     EXPECT_EQ(holderOf("CLIPBOARD"), xcb_window_t(XCB_WINDOW_NONE));
 }
 
+TEST_F(KeepTest, ACutThatIsPastedTogetherWithOtherFormsIsPastedOnceToo)
+{
+    Owner owner;
+    owner.offer("x-special/gnome-copied-files", "cut\nfile:///a").offer("text/uri-list", "file:///a");
+    owner.afterAnswering = [&](const QByteArray &target) {
+        if (target == "x-special/gnome-copied-files")
+            owner.letGo();
+    };
+    copy(owner);
+    ASSERT_TRUE(left("text/uri-list"));
+    const xcb_atom_t pairs[] = {requestor.atom("x-special/gnome-copied-files"), requestor.atom("ONE")};
+    EXPECT_TRUE(await([&] {
+        xcb_change_property(requestor.raw(), XCB_PROP_MODE_REPLACE, requestor.window(),
+                            requestor.atom("PAIRS"), requestor.atom("ATOM_PAIR"), 32, 2, pairs);
+        requestor.ask("MULTIPLE", "PAIRS");
+        return requestor.awaitNotify() && items().empty();
+    }));
+}
+
 TEST_F(KeepTest, APictureThatIsStillOnItsWayFollowsWhatWasTakenOver)
 {
     QImage image(800, 800, QImage::Format_RGB32);
