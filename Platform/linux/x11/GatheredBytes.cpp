@@ -1,0 +1,62 @@
+#include "Platform/linux/x11/GatheredBytes.h"
+
+#include <cstring>
+#include <ctime>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype worthHugePages = 4LL * 1024 * 1024; // two of them
+constexpr qint64 slowCopy = 2'000'000;                  // ns; a chunk of 1 MiB takes 0.1 ms
+
+// Of this thread: that another one has its turn makes no copy slow.
+qint64 processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return time.tv_sec * 1'000'000'000 + time.tv_nsec;
+}
+
+} // namespace
+
+void GatheredBytes::expect(qsizetype size)
+{
+    bytes.reserve(size);
+    if (hugePages && size >= worthHugePages)
+        advise(MADV_HUGEPAGE);
+}
+
+void GatheredBytes::append(QByteArrayView chunk)
+{
+    const qsizetype before = bytes.size();
+    const qsizetype room = bytes.capacity();
+    bytes.resize(before + chunk.size()); // QByteArray::append would move all of it whenever it grows
+    if (hugePages && bytes.capacity() != room && before >= worthHugePages)
+        advise(MADV_HUGEPAGE);
+    const qint64 start = processorTime();
+    std::memcpy(bytes.data() + before, chunk.data(), static_cast<size_t>(chunk.size()));
+    // A huge page may have to be cleared out, or fetched from a virtual machine's host, which takes far
+    // longer than what it saves.
+    if (hugePages && processorTime() - start > slowCopy) {
+        hugePages = false;
+        advise(MADV_NOHUGEPAGE);
+    }
+}
+
+// Says it of all pages that the bytes touch: what is one piece for the system can grow without being copied.
+void GatheredBytes::advise(int advice)
+{
+    const auto page = static_cast<quintptr>(sysconf(_SC_PAGESIZE));
+    const auto first = reinterpret_cast<quintptr>(bytes.constData()) / page * page;
+    const auto end = reinterpret_cast<quintptr>(bytes.constData() + bytes.capacity());
+    madvise(reinterpret_cast<void *>(first), (end - first + page - 1) / page * page, advice);
+}
+
+QByteArray GatheredBytes::take()
+{
+    if (bytes.capacity() - bytes.size() > bytes.size() / 4)
+        bytes.squeeze();
+    return std::exchange(bytes, {});
+}
