@@ -1,5 +1,6 @@
 #include "Platform/linux/x11/GatheredBytes.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
 #include <sys/mman.h>
@@ -9,7 +10,8 @@
 namespace {
 
 constexpr qsizetype worthHugePages = 4LL * 1024 * 1024; // two of them
-constexpr qint64 slowCopy = 2'000'000;                  // ns; a chunk of 1 MiB takes 0.1 ms
+constexpr qint64 slowCopy = 2'000'000;                  // ns; a chunk of 1 MiB takes 0.2 ms
+constexpr qint64 maxLost = 10'000'000;                  // ns
 
 // Of this thread: that another one has its turn makes no copy slow.
 qint64 processorTime()
@@ -31,15 +33,17 @@ void GatheredBytes::expect(qsizetype size)
 void GatheredBytes::append(QByteArrayView chunk)
 {
     const qsizetype before = bytes.size();
-    const qsizetype room = bytes.capacity();
-    bytes.resize(before + chunk.size()); // QByteArray::append would move all of it whenever it grows
-    if (hugePages && bytes.capacity() != room && before >= worthHugePages)
-        advise(MADV_HUGEPAGE);
+    const qsizetype after = before + chunk.size();
+    if (after > bytes.capacity())
+        expect(std::max(after, 2 * before)); // QByteArray::append would move all of it to a new place
     const qint64 start = processorTime();
+    bytes.resize(after);
     std::memcpy(bytes.data() + before, chunk.data(), static_cast<size_t>(chunk.size()));
-    // A huge page may have to be cleared out, or fetched from a virtual machine's host, which takes far
-    // longer than what it saves.
-    if (hugePages && processorTime() - start > slowCopy) {
+    // A huge page may have to be freed of others first, or be fetched from a virtual machine's host, which
+    // takes far longer than it saves. After some of those, small pages do for the rest.
+    const qint64 spent = processorTime() - start;
+    lost += spent > slowCopy ? spent : 0;
+    if (hugePages && lost > maxLost) {
         hugePages = false;
         advise(MADV_NOHUGEPAGE);
     }

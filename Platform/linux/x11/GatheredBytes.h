@@ -18,4 +18,5 @@ private:
 
     QByteArray bytes;
     bool hugePages = true;
+    qint64 lost = 0; // ns, by waiting for them
 };
