@@ -167,7 +167,7 @@ int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
     bool met = benchSize("1 KiB", kibibyte, 20, 1);
-    met &= benchSize("1 MiB", mebibyte, 10, 1);
+    met &= benchSize("1 MiB", mebibyte, 20, 1);
     met &= benchSize("32 MiB", 32 * mebibyte, 12, 1.0 / 3);
     met &= benchSize("200 MiB", 200 * mebibyte, 6, 1);
     return met ? 0 : 1;

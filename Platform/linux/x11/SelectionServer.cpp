@@ -186,7 +186,8 @@ void SelectionServer::handleProperty(const xcb_property_notify_event_t &event, T
     if (event.state != XCB_PROPERTY_DELETE || found == transfers.end())
         return;
     Transfer &transfer = found->second;
-    const qsizetype limit = std::min(maxChunkBytes, x.maxPropertyBytes() / 16) & ~qsizetype(3);
+    // Small where requests are; a sixteenth of the usual 16 MiB would fall short of 1 MiB by its header.
+    const qsizetype limit = std::min(maxChunkBytes, x.maxPropertyBytes() / 8) & ~qsizetype(3);
     const qsizetype length = std::min(limit, transfer.bytes.size() - transfer.sent);
     write(key, transfer.type, transfer.format, QByteArrayView(transfer.bytes).sliced(transfer.sent, length));
     transfer.sent += length;
