@@ -31,6 +31,15 @@ public:
     std::exit(2);
 }
 
+// Returns when what was written is claimed, and what was copied is read.
+void settle(X11Pasteboard &pasteboard)
+{
+    bool settled = false;
+    pasteboard.whenSettled([&] { settled = true; });
+    while (!settled)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 std::unique_ptr<X11Pasteboard> settledPasteboard()
 {
     auto pasteboard = X11Pasteboard::create(std::make_shared<NoEntries>());
@@ -39,10 +48,7 @@ std::unique_ptr<X11Pasteboard> settledPasteboard()
     PasteboardPolicy policy;
     policy.byteBudget = 512 * mebibyte;
     pasteboard->setPolicy(policy);
-    bool settled = false;
-    pasteboard->whenSettled([&] { settled = true; });
-    while (!settled)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    settle(*pasteboard);
     return pasteboard;
 }
 
@@ -132,6 +138,7 @@ void measure(const QByteArray &text, const QString &file, Times &best)
         keepLeast(best.xclipReadingOurs, readWithXclip);
     }
     reader->write(items("-"));
+    settle(*reader);
     keepLeast(best.fromXclip, [&] {
         copyWithXclip(file);
         awaitText(*reader, text.size());
