@@ -9,9 +9,10 @@
 
 namespace {
 
-constexpr qsizetype worthHugePages = 4LL * 1024 * 1024; // two of them
-constexpr qint64 slowCopy = 2'000'000;                  // ns; a chunk of 1 MiB takes 0.2 ms
-constexpr qint64 maxLost = 10'000'000;                  // ns
+constexpr qsizetype mebibyte = 1024LL * 1024;
+constexpr qsizetype worthHugePages = 4 * mebibyte; // two of them
+constexpr qint64 slowCopy = 2'000'000;             // ns a mebibyte, which takes a tenth of that
+constexpr qint64 maxLost = 10'000'000;             // ns
 
 // Of this thread: that another one has its turn makes no copy slow.
 qint64 processorTime()
@@ -42,7 +43,7 @@ void GatheredBytes::append(QByteArrayView chunk)
     // A huge page may have to be freed of others first, or be fetched from a virtual machine's host, which
     // takes far longer than it saves. After some of those, small pages do for the rest.
     const qint64 spent = processorTime() - start;
-    lost += spent > slowCopy ? spent : 0;
+    lost += spent > slowCopy * (1 + chunk.size() / mebibyte) ? spent : 0;
     if (hugePages && lost > maxLost) {
         hugePages = false;
         advise(MADV_NOHUGEPAGE);
@@ -52,10 +53,10 @@ void GatheredBytes::append(QByteArrayView chunk)
 // Says it of all pages that the bytes touch: what is one piece for the system can grow without being copied.
 void GatheredBytes::advise(int advice)
 {
-    const auto page = static_cast<quintptr>(sysconf(_SC_PAGESIZE));
-    const auto first = reinterpret_cast<quintptr>(bytes.constData()) / page * page;
-    const auto end = reinterpret_cast<quintptr>(bytes.constData() + bytes.capacity());
-    madvise(reinterpret_cast<void *>(first), (end - first + page - 1) / page * page, advice);
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t before = reinterpret_cast<size_t>(bytes.constData()) % page;
+    const size_t length = before + static_cast<size_t>(bytes.capacity());
+    madvise(bytes.data() - before, (length + page - 1) / page * page, advice);
 }
 
 QByteArray GatheredBytes::take()
