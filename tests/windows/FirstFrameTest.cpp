@@ -2,19 +2,12 @@
 
 #include "Norvane/ClipTitles.h"
 #include "Norvane/FilterControl.h"
-#include "Norvane/PopupController.h"
-#include "Norvane/PopupPanel.h"
 #include "Norvane/Theme.h"
-#include "Norvane/app/Preferences.h"
-#include "Norvane/store/ClipStore.h"
-#include "Platform/memory/MemoryPlatform.h"
+#include "tests/windows/MemoryDesktop.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QTemporaryDir>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -46,27 +39,18 @@ private:
     QWidget *watched;
 };
 
-class FirstFrameTest : public ::testing::Test {
+class FirstFrameTest : public MemoryPanel {
 public:
     ~FirstFrameTest() override { QApplication::setPalette(QPalette()); }
 
 protected:
     FirstFrameTest()
     {
-        QApplication::setCursorFlashTime(0);
-        for (const auto &text : {u"uno"_qs, u"due"_qs, u"tre"_qs})
-            add(text);
+        for (const char *text : {"uno", "due", "tre"})
+            addText(text);
         popup.show(); // which lays it out
         popup.hide();
         letPrepare();
-    }
-
-    void add(const QString &text)
-    {
-        CapturedClip capture;
-        capture.text = text;
-        capture.hash = contentHash(text);
-        store.add(capture);
     }
 
     // The picture is made when the changes have come to rest; some changes call for none.
@@ -92,15 +76,6 @@ protected:
         panel.repaint();
         return {first, screen()};
     }
-
-    double age = 0; // of clips at their capture
-    QTemporaryDir folder;
-    std::unique_ptr<Platform> platform = makeMemoryPlatform();
-    Preferences prefs{*platform->defaults};
-    ClipStore store{folder.path(), [this] { return secondsSinceReferenceDate() - age; }};
-    PopupController popup{{store, prefs, *platform->pasteboard, *platform->panelSurface, *platform->screens,
-                           *platform->workspace, *platform->desktopEntries}};
-    PopupPanel &panel{popup.window()};
 };
 
 } // namespace
@@ -109,7 +84,7 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
 {
     const std::pair<const char *, std::function<void()>> changes[] = {
         {"nothing", [] {}},
-        {"a copy", [this] { add(u"quattro"_qs); }},
+        {"a copy", [this] { addText("quattro"); }},
         {"a pin", [this] { store.setPinned(store.clips()[1], true); }},
         {"no preview", [this] { prefs.setShowPreview(false); }},
         {"the size", [this] { panel.resize(panel.width() + 60, panel.height() + 30); }},
@@ -133,8 +108,7 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
 TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
 {
     age = 44; // seconds: one more, and it is no longer "now"
-    add(u"vecchio"_qs);
-    const ClipPointer clip = store.clips().front();
+    const ClipPointer clip = addText("vecchio");
     const QString before = detailText(*clip);
     letPrepare();
     ASSERT_TRUE(QTest::qWaitFor([&] { return detailText(*clip) != before; }));
@@ -144,7 +118,7 @@ TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
 
 TEST_F(FirstFrameTest, IsPaintedBeforeTheOpening)
 {
-    panel.countLabel->setText(u"changed behind its back"_qs);
+    panel.countLabel->setText("changed behind its back");
     const auto [first, whole] = open();
     EXPECT_NE(first, whole);
 }
