@@ -1,6 +1,5 @@
 // A picture outlives the program that it was copied in: small programs here, and Chromium and GIMP where both
 // are installed, as ./norvane test programs does.
-#include "tests/desktop/SelectionOwner.h"
 #include "tests/desktop/Stage.h"
 #include "tests/programs/Browsers.h"
 #include "tests/programs/Pictures.h"
@@ -29,27 +28,20 @@ void fromChromiumToGimp(Stage &stage)
     pasteFromPanel(stage, copied, {});
     editor.awaitPaste();
     const auto same = [&](const QByteArray &again) { return pixels(again) == pixels(bytes); };
-    require(!bytes.isEmpty() && same(editor.copiedAgain("image/png", same)),
-            QStringLiteral("GIMP shows another picture"));
-    stage.saveScreenshot(QStringLiteral("picture-in-gimp"));
+    require(!bytes.isEmpty() && same(editor.copiedAgain("image/png", same)), "GIMP shows another picture");
+    stage.saveScreenshot("picture-in-gimp");
 }
 
 void fromClosedProgram(Stage &stage)
 {
     const auto bytes = pictureBytes(9);
-    const auto count = stage.rows().size();
-    {
-        SelectionOwner browser({{"image/png", bytes}});
-        require(browser.claim(), QStringLiteral("the selection was not to be had"));
-        require(stage.desktop.waitFor([&] { return stage.rows().size() > count; }),
-                QStringLiteral("the picture was not recorded"));
-    }
+    stage.copyForms({{"image/png", bytes}}); // by a program that ends with it
     const auto copied = stage.rows().front();
-    require(isPicture(copied), QStringLiteral("recorded as kind %1, not as an image").arg(copied.kind));
+    require(isPicture(copied), QString("recorded as kind %1, not as an image").arg(copied.kind));
     stage.copy("something newer than the picture");
     const auto inFront = stage.openTerminal();
     pasteFromPanel(stage, copied, {});
-    require(stage.clipboard.read("image/png") == bytes, QStringLiteral("the picture came back changed"));
+    require(stage.clipboard.read("image/png") == bytes, "the picture came back changed");
 }
 
 bool isInstalled(const Program &program)
