@@ -58,7 +58,7 @@ TEST_F(ScreenReader, HearsWhatEveryControlIs)
     }
     for (const char *control :
          {"text: Search the clipboard", "page tab list: Filter", "list: History", "text: Preview",
-          "label: 3 items", "label: paste", "10 characters", "push button: Menu"})
+          "label: 3 items", "label: ⏎ paste", "label: Text · 10 characters", "push button: Menu"})
         EXPECT_TRUE(heard.contains(control)) << control << " is missing in\n" << heard.toStdString();
     EXPECT_EQ(stage.awaitPart("text", "Preview").text(), "third copy");
 }

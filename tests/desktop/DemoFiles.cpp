@@ -1,5 +1,5 @@
 #include "tests/desktop/SamplePicture.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <QFile>
 #include <QUrl>
@@ -14,7 +14,7 @@ void copyAgain(Stage &stage, const QString &words)
     require(stage.desktop.awaitNewOwner(before), "nobody took the selection");
 }
 
-void pictureRoundTrip(Stage &stage)
+STEP("a PNG comes back byte for byte")
 {
     const auto bytes = samplePicture();
     stage.copy(bytes, "image/png");
@@ -95,7 +95,7 @@ void pasteInto(Stage &stage, const Folder &folder, const QStringList &names,
             "the other folder holds: " + folder.names().join(u' '));
 }
 
-void fileLists(Stage &stage)
+STEP("files copied in pcmanfm come back as lists for every file manager")
 {
     const auto folder = makeFiles(stage);
     QStringList order;
@@ -120,7 +120,7 @@ void fileLists(Stage &stage)
     }
 }
 
-void filesPasted(Stage &stage)
+STEP("Enter in another folder of pcmanfm copies the files there")
 {
     const auto folder = makeFiles(stage);
     const auto names = folder.names();
@@ -136,7 +136,7 @@ void filesPasted(Stage &stage)
 }
 
 // Reading the list of cut files makes pcmanfm forget that it cut them; that must not be seen.
-void filesMoved(Stage &stage)
+STEP("files cut in pcmanfm are moved by a paste elsewhere")
 {
     const auto folder = makeFiles(stage);
     const auto names = folder.names();
@@ -149,13 +149,3 @@ void filesMoved(Stage &stage)
 }
 
 } // namespace
-
-Steps fileSteps()
-{
-    return {
-        {"a PNG comes back byte for byte", pictureRoundTrip},
-        {"files copied in pcmanfm come back as lists for every file manager", fileLists},
-        {"Enter in another folder of pcmanfm copies the files there", filesPasted},
-        {"files cut in pcmanfm are moved by a paste elsewhere", filesMoved},
-    };
-}

@@ -1,10 +1,10 @@
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <csignal>
 
 namespace {
 
-void secondStart(Stage &stage)
+STEP("a second start shows the panel and exits with status 0")
 {
     require(Child(stage.commandLine()).awaitExit() == 0, "the second start did not end with status 0");
     stage.awaitPanel();
@@ -12,23 +12,7 @@ void secondStart(Stage &stage)
     stage.never([&] { return !stage.panel(); }, "another start closed the panel instead of keeping it");
 }
 
-void killedAndRestarted(Stage &stage)
-{
-    stage.copy("survives a kill");
-    const auto before = stage.rows().size();
-    stage.norvane().signal(SIGKILL);
-    require(stage.norvane().awaitEnd(), "it survived SIGKILL");
-    stage.start();
-    require(stage.rows().size() == before,
-            QString("%1 clips were kept, not %2").arg(stage.rows().size()).arg(before));
-    const auto entry = stage.openQtEntry();
-    stage.openPanel();
-    stage.awaitListed(qsizetype(before), "after the restart");
-    stage.press("Enter");
-    stage.awaitContent(entry, "survives a kill");
-}
-
-void contentOutlivesItsProgram(Stage &stage)
+STEP("what was copied outlives the program that copied it")
 {
     stage.copy("outlives xclip");
     stage.clipboard.owner()->signal(SIGKILL);
@@ -49,7 +33,23 @@ void contentOutlivesItsProgram(Stage &stage)
     stage.never([&] { return stage.rows().size() != before; }, "taking it over was recorded as a copy");
 }
 
-void quits(Stage &stage)
+STEP("kill -9 and a restart keep the history")
+{
+    stage.copy("survives a kill");
+    const auto before = stage.rows().size();
+    stage.norvane().signal(SIGKILL);
+    require(stage.norvane().awaitEnd(), "it survived SIGKILL");
+    stage.start();
+    require(stage.rows().size() == before,
+            QString("%1 clips were kept, not %2").arg(stage.rows().size()).arg(before));
+    const auto entry = stage.openQtEntry();
+    stage.openPanel();
+    stage.awaitListed(qsizetype(before), "after the restart");
+    stage.press("Enter");
+    stage.awaitContent(entry, "survives a kill");
+}
+
+STEP("SIGTERM quits with status 0")
 {
     stage.openPanel(); // with the panel open, which is the harder case
     stage.quit();
@@ -57,13 +57,3 @@ void quits(Stage &stage)
 }
 
 } // namespace
-
-Steps lifeSteps()
-{
-    return {
-        {"a second start shows the panel and exits with status 0", secondStart},
-        {"what was copied outlives the program that copied it", contentOutlivesItsProgram},
-        {"kill -9 and a restart keep the history", killedAndRestarted},
-        {"SIGTERM quits with status 0", quits},
-    };
-}

@@ -1,7 +1,7 @@
 // How the panel looks where the desktop is dark, the screen finer and the copies are not plain English.
 #include "tests/desktop/SamplePicture.h"
 #include "tests/desktop/Screenshot.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/support/SettingsPortal.h"
 
 #include <QFile>
@@ -73,7 +73,7 @@ void shootMenu(const Stage &stage, const QString &name)
     stage.press("Esc");
 }
 
-void followsTheDesktop(Stage &stage)
+STEP("the panel is dark where the desktop is, and follows it while it is open")
 {
     SettingsPortal portal(1);
     require(portal.isOnTheBus(), "there is a settings portal already");
@@ -101,7 +101,7 @@ void followsTheDesktop(Stage &stage)
 }
 
 // Light and dark, under a compositor that comes while the panel is open.
-void castsAShadow(Stage &stage)
+STEP("the panel casts a shadow where there is a compositor")
 {
     SettingsPortal portal(2);
     require(portal.isOnTheBus(), "there is a settings portal already");
@@ -142,7 +142,7 @@ QString cornerFault(const Stage &stage, const QRect &panel, double scale)
     return {};
 }
 
-void finerScreens(Stage &stage)
+STEP("the panel on finer screens: 1, 1.5 and 2")
 {
     for (const QString language : {"en", "it"}) {
         for (const QString factor : {"1", "1.5", "2"}) {
@@ -162,12 +162,3 @@ void finerScreens(Stage &stage)
 }
 
 } // namespace
-
-Steps looksSteps()
-{
-    return {
-        {"the panel is dark where the desktop is, and follows it while it is open", followsTheDesktop},
-        {"the panel casts a shadow where there is a compositor", castsAShadow},
-        {"the panel on finer screens: 1, 1.5 and 2", finerScreens},
-    };
-}

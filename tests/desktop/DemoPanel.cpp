@@ -1,16 +1,16 @@
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <algorithm>
 
 namespace {
 
-void typeAhead(Stage &stage)
+STEP("keys typed right after the hot key land in the search field")
 {
     const auto entry = stage.openQtEntry();
     stage.typeAhead("zyx", entry);
 }
 
-void hotKeyCloses(Stage &stage)
+STEP("the hot key closes an open panel and the keyboard goes back")
 {
     const auto entry = stage.openQtEntry();
     stage.openPanel();
@@ -21,14 +21,14 @@ void hotKeyCloses(Stage &stage)
     stage.awaitContent(entry, "back");
 }
 
-void heldHotKeyOpensOnce(Stage &stage)
+STEP("a hot key held for long opens the panel once")
 {
     stage.hotKey(Desktop::Milliseconds(1200)); // the server repeats the key meanwhile
     stage.awaitPanel();
     stage.never([&] { return !stage.panel(); }, "the panel closed by itself");
 }
 
-void escapeClearsThenCloses(Stage &stage)
+STEP("Esc clears the query, then closes")
 {
     stage.openPanel();
     stage.type("abc");
@@ -50,7 +50,7 @@ void place(const Stage &stage, xcb_window_t window, QPoint where)
     stage.await(arrived, "the window did not move");
 }
 
-void clickOutside(Stage &stage)
+STEP("a click outside closes the panel and reaches the other program")
 {
     const auto other = stage.openQtEntry();
     place(stage, other.window, QPoint(1120, 700));
@@ -68,7 +68,22 @@ void clickOutside(Stage &stage)
     require(front.content().isEmpty(), "letters went to the first program");
 }
 
-void tabCyclesFilters(Stage &stage)
+STEP("Ctrl+P pins and unpins")
+{
+    stage.copy("to be pinned");
+    stage.openPanel();
+    for (const bool pinned : {true, false, true}) {
+        stage.press("Ctrl+P");
+        const auto isRight = [&] {
+            const auto newest = stage.rows().front();
+            return newest.text == "to be pinned" && newest.pinned == pinned;
+        };
+        stage.await(isRight, pinned ? "Ctrl+P did not pin" : "Ctrl+P did not unpin");
+        require(stage.panel().has_value(), "Ctrl+P closed the panel");
+    }
+}
+
+STEP("Tab and Shift+Tab go round the filters")
 {
     const auto rows = stage.rows();
     const auto count = [&](const auto &test) {
@@ -94,7 +109,7 @@ void tabCyclesFilters(Stage &stage)
     }
 }
 
-void queryNarrows(Stage &stage)
+STEP("words narrow the list and the count")
 {
     stage.copy("persimmon and loquat");
     stage.copy("loquat alone");
@@ -111,7 +126,7 @@ void queryNarrows(Stage &stage)
     stage.awaitListed(0, "no match");
 }
 
-void newCopyWhileOpen(Stage &stage)
+STEP("a copy made while the panel is open appears and the selection stays")
 {
     stage.copy("stays selected");
     stage.openPanel();
@@ -123,7 +138,7 @@ void newCopyWhileOpen(Stage &stage)
     stage.awaitClipboard("stays selected");
 }
 
-void controlTwo(Stage &stage)
+STEP("Ctrl+2 pastes the second row")
 {
     stage.copy("second row of the list");
     stage.copy("first row of the list");
@@ -132,22 +147,7 @@ void controlTwo(Stage &stage)
     stage.awaitContent(entry, "second row of the list");
 }
 
-void controlP(Stage &stage)
-{
-    stage.copy("to be pinned");
-    stage.openPanel();
-    for (const bool pinned : {true, false, true}) {
-        stage.press("Ctrl+P");
-        const auto isRight = [&] {
-            const auto newest = stage.rows().front();
-            return newest.text == "to be pinned" && newest.pinned == pinned;
-        };
-        stage.await(isRight, pinned ? "Ctrl+P did not pin" : "Ctrl+P did not unpin");
-        require(stage.panel().has_value(), "Ctrl+P closed the panel");
-    }
-}
-
-void controlBackspace(Stage &stage)
+STEP("Ctrl+Backspace with an empty query deletes the clip")
 {
     stage.copy("to be deleted");
     const auto before = stage.rows().size();
@@ -160,20 +160,3 @@ void controlBackspace(Stage &stage)
 }
 
 } // namespace
-
-Steps panelSteps()
-{
-    return {
-        {"keys typed right after the hot key land in the search field", typeAhead},
-        {"the hot key closes an open panel and the keyboard goes back", hotKeyCloses},
-        {"a hot key held for long opens the panel once", heldHotKeyOpensOnce},
-        {"Esc clears the query, then closes", escapeClearsThenCloses},
-        {"a click outside closes the panel and reaches the other program", clickOutside},
-        {"Ctrl+P pins and unpins", controlP},
-        {"Tab and Shift+Tab go round the filters", tabCyclesFilters},
-        {"words narrow the list and the count", queryNarrows},
-        {"a copy made while the panel is open appears and the selection stays", newCopyWhileOpen},
-        {"Ctrl+2 pastes the second row", controlTwo},
-        {"Ctrl+Backspace with an empty query deletes the clip", controlBackspace},
-    };
-}

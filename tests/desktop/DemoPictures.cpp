@@ -1,6 +1,6 @@
 // A picture outlives the program that it was copied in: small programs here, and Chromium and GIMP where both
 // are installed, as ./norvane test programs does.
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/programs/Browsers.h"
 #include "tests/programs/Pictures.h"
 
@@ -8,13 +8,31 @@
 
 namespace {
 
+bool isInstalled(const Program &program)
+{
+    return !QStandardPaths::findExecutable(program.package).isEmpty();
+}
+
 bool isPicture(const HistoryFile::Row &row)
 {
     return row.kind == 2;
 }
 
-void fromChromiumToGimp(Stage &stage)
+STEP("a picture is there after the program that it was copied in has closed")
 {
+    const auto bytes = pictureBytes(9);
+    stage.copyForms({{"image/png", bytes}}); // by a program that ends with it
+    const auto copied = stage.rows().front();
+    require(isPicture(copied), QString("recorded as kind %1, not as an image").arg(copied.kind));
+    stage.copy("something newer than the picture");
+    const auto inFront = stage.openTerminal();
+    pasteFromPanel(stage, copied, {});
+    require(stage.clipboard.read("image/png") == bytes, "the picture came back changed");
+}
+
+STEP("a picture copied in Chromium, then closed, is pasted in GIMP")
+{
+    leaveOutUnless(isInstalled(chromium()) && isInstalled(gimp()));
     HistoryFile::Row copied;
     QByteArray bytes;
     {
@@ -32,29 +50,4 @@ void fromChromiumToGimp(Stage &stage)
     stage.saveScreenshot("picture-in-gimp");
 }
 
-void fromClosedProgram(Stage &stage)
-{
-    const auto bytes = pictureBytes(9);
-    stage.copyForms({{"image/png", bytes}}); // by a program that ends with it
-    const auto copied = stage.rows().front();
-    require(isPicture(copied), QString("recorded as kind %1, not as an image").arg(copied.kind));
-    stage.copy("something newer than the picture");
-    const auto inFront = stage.openTerminal();
-    pasteFromPanel(stage, copied, {});
-    require(stage.clipboard.read("image/png") == bytes, "the picture came back changed");
-}
-
-bool isInstalled(const Program &program)
-{
-    return !QStandardPaths::findExecutable(program.package).isEmpty();
-}
-
 } // namespace
-
-Steps pictureSteps()
-{
-    Steps steps{{"a picture is there after the program that it was copied in has closed", fromClosedProgram}};
-    if (isInstalled(chromium()) && isInstalled(gimp()))
-        steps.push_back({"a picture copied in Chromium, then closed, is pasted in GIMP", fromChromiumToGimp});
-    return steps;
-}

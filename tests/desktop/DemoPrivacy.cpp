@@ -1,5 +1,5 @@
 #include "tests/desktop/SelectionOwner.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ void requireSecrecy(Stage &stage, const SelectionOwner &owner, size_t recorded)
                 "the password was read as " + QString(target));
 }
 
-void passwordHint(Stage &stage)
+STEP("a copy with the password hint is neither recorded nor read")
 {
     stage.copy("a harmless copy before the password");
     const auto before = stage.rows().size();
@@ -28,7 +28,7 @@ void passwordHint(Stage &stage)
     require(!owner.lost(), "the selection was taken from the password manager");
 }
 
-void passwordManagerInFront(Stage &stage)
+STEP("a copy made while a password manager is in front is not recorded")
 {
     stage.copy("a harmless copy before the password store");
     const auto before = stage.rows().size();
@@ -39,7 +39,7 @@ void passwordManagerInFront(Stage &stage)
     requireSecrecy(stage, owner, before);
 }
 
-void sameCopyFromAnotherProgram(Stage &stage)
+STEP("the same copy from another program is recorded with that program's name")
 {
     const QByteArray text = "an ordinary program may copy this";
     SelectionOwner owner({{"UTF8_STRING", text}});
@@ -51,13 +51,3 @@ void sameCopyFromAnotherProgram(Stage &stage)
 }
 
 } // namespace
-
-Steps privacySteps()
-{
-    return {
-        {"a copy with the password hint is neither recorded nor read", passwordHint},
-        {"a copy made while a password manager is in front is not recorded", passwordManagerInFront},
-        {"the same copy from another program is recorded with that program's name",
-         sameCopyFromAnotherProgram},
-    };
-}

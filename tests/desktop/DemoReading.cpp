@@ -1,6 +1,6 @@
 // Pictures of windows, read in the background.
 #include "tests/desktop/Screenshot.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/support/Captures.h"
 
 namespace {
@@ -23,7 +23,7 @@ QString copyPicture(Stage &stage, xcb_window_t window)
     return text;
 }
 
-void readWindow(Stage &stage)
+STEP("a picture of a window is read, found by its words and pasted as text")
 {
     QString text;
     {
@@ -48,10 +48,3 @@ void readWindow(Stage &stage)
 }
 
 } // namespace
-
-Steps readingSteps()
-{
-    return {
-        {"a picture of a window is read, found by its words and pasted as text", readWindow},
-    };
-}

@@ -1,6 +1,6 @@
 // What a day's copying leaves behind, in each language.
 #include "tests/desktop/SamplePicture.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 namespace {
 
@@ -73,14 +73,14 @@ void photograph(Stage &stage, const Day &day)
     stage.quit();
 }
 
-} // namespace
-
-Steps screenSteps()
+STEP("the panel in English: empty, mixed, with a query, without a match")
 {
-    return {
-        {"the panel in English: empty, mixed, with a query, without a match",
-         [](Stage &stage) { photograph(stage, englishDay); }},
-        {"the panel in Italian: empty, mixed, with a query, without a match",
-         [](Stage &stage) { photograph(stage, italianDay); }},
-    };
+    photograph(stage, englishDay);
 }
+
+STEP("the panel in Italian: empty, mixed, with a query, without a match")
+{
+    photograph(stage, italianDay);
+}
+
+} // namespace

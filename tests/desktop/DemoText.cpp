@@ -1,19 +1,19 @@
 #include "tests/desktop/SelectionOwner.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 namespace {
 
 const QByteArray htmlBytes = "<meta charset=\"utf-8\"><b>Heavy</b> and plain quince";
 const QByteArray htmlText = "Heavy and plain quince";
 
-void startAndOpen(Stage &stage)
+STEP("the hot key opens the panel with the keyboard in it and Esc closes it")
 {
     stage.openPanel();
     stage.closePanel();
     require(!stage.panel(), "Esc did not close the panel");
 }
 
-void fromTerminalToQt(Stage &stage)
+STEP("a word selected in xterm is pasted into a Qt line exactly as copied")
 {
     const QByteArray word = "walnut_from_a_terminal";
     const QString title = "shows a word";
@@ -31,7 +31,7 @@ void fromTerminalToQt(Stage &stage)
     stage.awaitContent(entry, word);
 }
 
-void fromMousepadToTerminal(Stage &stage)
+STEP("a text copied in mousepad is pasted into xterm exactly as copied")
 {
     const QByteArray text = "Pear, è matura: € 3 — 🍐 from mousepad";
     {
@@ -49,7 +49,7 @@ void fromMousepadToTerminal(Stage &stage)
     stage.awaitContent(terminal, text);
 }
 
-void linesIntoTerminal(Stage &stage)
+STEP("several lines are pasted into xterm exactly as copied")
 {
     const QByteArray text = "first medlar\n\tsecond medlar\n\nlast medlar";
     stage.copy(text);
@@ -59,7 +59,7 @@ void linesIntoTerminal(Stage &stage)
     stage.awaitContent(terminal, text);
 }
 
-void intoMousepad(Stage &stage)
+STEP("two lines with accents and an emoji are pasted into mousepad exactly as copied")
 {
     const QByteArray text = "quince àéî\nfor a GTK view 😀";
     stage.copy(text);
@@ -82,14 +82,14 @@ void pasteStyled(Stage &stage, const QString &chord)
     stage.awaitContent(entry, htmlText);
 }
 
-void styledIntoView(Stage &stage)
+STEP("Enter pastes a styled clip with its text/html untouched")
 {
     pasteStyled(stage, "Enter");
     require(stage.clipboard.targets().contains("text/html"), "the clipboard offers no text/html");
     require(stage.clipboard.read("text/html") == htmlBytes, "text/html came back changed");
 }
 
-void shiftEnter(Stage &stage)
+STEP("Shift+Enter pastes the same clip as plain text only")
 {
     pasteStyled(stage, "Shift+Enter");
     require(stage.clipboard.read() == htmlText, "the clipboard holds another text");
@@ -98,7 +98,7 @@ void shiftEnter(Stage &stage)
                 "the clipboard still offers " + QString(target));
 }
 
-void altEnter(Stage &stage)
+STEP("Alt+Enter copies and types nothing")
 {
     const QByteArray text = "only copied rowan";
     stage.copy(text);
@@ -111,7 +111,7 @@ void altEnter(Stage &stage)
     stage.awaitNewest(text);
 }
 
-void roundTrip(Stage &stage)
+STEP("two lines with an emoji and CR LF come back byte for byte")
 {
     const QByteArray text = "ciao 😀\r\nmondo di sorbe";
     stage.copy(text);
@@ -125,18 +125,3 @@ void roundTrip(Stage &stage)
 }
 
 } // namespace
-
-Steps textSteps()
-{
-    return {
-        {"the hot key opens the panel with the keyboard in it and Esc closes it", startAndOpen},
-        {"a word selected in xterm is pasted into a Qt line exactly as copied", fromTerminalToQt},
-        {"a text copied in mousepad is pasted into xterm exactly as copied", fromMousepadToTerminal},
-        {"several lines are pasted into xterm exactly as copied", linesIntoTerminal},
-        {"two lines with accents and an emoji are pasted into mousepad exactly as copied", intoMousepad},
-        {"Enter pastes a styled clip with its text/html untouched", styledIntoView},
-        {"Shift+Enter pastes the same clip as plain text only", shiftEnter},
-        {"Alt+Enter copies and types nothing", altEnter},
-        {"two lines with an emoji and CR LF come back byte for byte", roundTrip},
-    };
-}

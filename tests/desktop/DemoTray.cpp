@@ -1,6 +1,6 @@
 // The status item in a panel that takes icons, driven by the mouse and the digits as a user does.
 #include "tests/desktop/Screenshot.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -69,7 +69,7 @@ double lightness(const Stage &stage, const QRect &place)
     return sum / std::max(1, seen.width() * seen.height());
 }
 
-void menuInTheTray(Stage &stage)
+STEP("the status menu in a tray: opened by a right click, a digit pastes, pausing dims the icon")
 {
     stage.restart("en", "tray");
     const auto tray = stage.startTray();
@@ -101,7 +101,7 @@ void menuInTheTray(Stage &stage)
     stage.closePanel();
 }
 
-void menuInItalian(Stage &stage)
+STEP("the status menu in Italian")
 {
     stage.restart("it", "tray");
     const auto tray = stage.startTray();
@@ -111,12 +111,3 @@ void menuInItalian(Stage &stage)
 }
 
 } // namespace
-
-Steps traySteps()
-{
-    return {
-        {"the status menu in a tray: opened by a right click, a digit pastes, pausing dims the icon",
-         menuInTheTray},
-        {"the status menu in Italian", menuInItalian},
-    };
-}

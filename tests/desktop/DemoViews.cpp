@@ -1,6 +1,6 @@
 // Where the panel opens, what its filters list and what its preview shows of each kind of clip.
 #include "tests/desktop/SamplePicture.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/support/SettingsPortal.h"
 
 #include <algorithm>
@@ -55,39 +55,6 @@ void previewsIn(Stage &stage, const QString &language, const QString &name)
     stage.closePanel();
 }
 
-void previewsOfEachKind(Stage &stage)
-{
-    previewsIn(stage, "en", "en");
-    previewsIn(stage, "it", "it");
-    const SettingsPortal dark(1);
-    require(dark.isOnTheBus(), "there is a settings portal already");
-    previewsIn(stage, "en", "dark");
-    previewsIn(stage, "it", "dark-it");
-}
-
-// Each by the mouse, then each by the keyboard.
-void everyFilter(Stage &stage)
-{
-    startWithEachKind(stage, "en");
-    stage.openPanel();
-    const std::pair<QString, int> filters[] = {
-        {"Text", 3}, {"Images", 1}, {"Files", 1}, {"Pinned", 1}, {"All", 5}};
-    for (const auto &[filter, count] : filters) {
-        const auto segment = stage.awaitPart("page tab", filter);
-        stage.keyboard.click(segment.extents().center());
-        stage.await([&] { return segment.is(Accessible::State::selected); },
-                    "a click did not choose " + filter);
-        stage.awaitListed(count, filter + " by a click");
-        stage.saveScreenshot("filter-" + filter.toLower());
-    }
-    for (const auto &[filter, count] : filters) {
-        stage.press("Tab");
-        stage.awaitListed(count, filter + " by Tab");
-    }
-    require(stage.searchHasFocus(), "the search field lost the focus");
-    stage.closePanel();
-}
-
 // The page of the editor in front, as a screen reader knows it.
 Accessible editorPage(const Stage &stage, const Target &editor)
 {
@@ -123,7 +90,7 @@ void openAtCaret(const Stage &stage, const Accessible &page, const QString &key,
     require(there, QString("the panel's corner is off by %1, %2").arg(off.x()).arg(off.y()));
 }
 
-void opensAtTheCaret(Stage &stage)
+STEP("the panel opens at the caret of a text editor, above the line where there is no room below")
 {
     QByteArray lines = "The panel opens beneath this line";
     for (int line = 2; line <= 60; ++line)
@@ -146,14 +113,37 @@ void opensAtTheCaret(Stage &stage)
     stage.saveScreenshot("caret-above");
 }
 
-} // namespace
-
-Steps viewSteps()
+STEP("the preview of each kind of clip: English, Italian, dark")
 {
-    return {
-        {"the panel opens at the caret of a text editor, above the line where there is no room below",
-         opensAtTheCaret},
-        {"the preview of each kind of clip: English, Italian, dark", previewsOfEachKind},
-        {"each filter by mouse and by Tab", everyFilter},
-    };
+    previewsIn(stage, "en", "en");
+    previewsIn(stage, "it", "it");
+    const SettingsPortal dark(1);
+    require(dark.isOnTheBus(), "there is a settings portal already");
+    previewsIn(stage, "en", "dark");
+    previewsIn(stage, "it", "dark-it");
 }
+
+// Each by the mouse, then each by the keyboard.
+STEP("each filter by mouse and by Tab")
+{
+    startWithEachKind(stage, "en");
+    stage.openPanel();
+    const std::pair<QString, int> filters[] = {
+        {"Text", 3}, {"Images", 1}, {"Files", 1}, {"Pinned", 1}, {"All", 5}};
+    for (const auto &[filter, count] : filters) {
+        const auto segment = stage.awaitPart("page tab", filter);
+        stage.keyboard.click(segment.extents().center());
+        stage.await([&] { return segment.is(Accessible::State::selected); },
+                    "a click did not choose " + filter);
+        stage.awaitListed(count, filter + " by a click");
+        stage.saveScreenshot("filter-" + filter.toLower());
+    }
+    for (const auto &[filter, count] : filters) {
+        stage.press("Tab");
+        stage.awaitListed(count, filter + " by Tab");
+    }
+    require(stage.searchHasFocus(), "the search field lost the focus");
+    stage.closePanel();
+}
+
+} // namespace

@@ -154,22 +154,3 @@ private:
     std::unique_ptr<Child> running;
     int files = 0;
 };
-
-// One thing that the demonstration shows. `show` returns when it was seen and throws StepFailure otherwise.
-struct Step {
-    const char *name;
-    void (*show)(Stage &);
-};
-using Steps = std::vector<Step>;
-
-Steps textSteps();
-Steps fileSteps();
-Steps readingSteps();
-Steps pictureSteps();
-Steps privacySteps();
-Steps panelSteps();
-Steps lifeSteps();
-Steps screenSteps();
-Steps looksSteps();
-Steps viewSteps();
-Steps traySteps();

@@ -53,17 +53,18 @@ void Stage::closePanel() const
 
 void Stage::typeAhead(const QString &text, const Target &front) const
 {
-    const QByteArray before = front.content();
     for (int attempts = 3; attempts > 0; --attempts) {
+        const QByteArray before = front.content();
         hotKey(Milliseconds(0)); // let go at once
         type(text);
         awaitPanel();
-        if (desktop.waitFor([&] { return searchText() == text; }, Milliseconds(3000)) &&
-            front.content() == before)
+        QString seen;
+        const bool arrived =
+            desktop.waitFor([&] { return (seen = searchText()) == text; }, Milliseconds(3000));
+        if (arrived && front.content() == before)
             return;
-        const QString seen = searchText();
-        require(attempts > 1,
-                "the search field holds \"" + seen + "\", the program in front " + front.content());
+        require(attempts > 1, "the search field holds \"" + seen + "\", the program in front \"" +
+                                  QString(front.content()) + "\"");
         closePanel();
     }
 }
