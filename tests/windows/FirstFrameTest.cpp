@@ -50,14 +50,14 @@ protected:
             addText(text);
         popup.show(); // which lays it out
         popup.hide();
-        letPrepare();
+        EXPECT_TRUE(isPrepared());
     }
 
-    // The picture is made when the changes have come to rest; some changes call for none.
-    void letPrepare()
+    // The picture is made when the changes have come to rest.
+    bool isPrepared(int bound = 5000)
     {
         PaintWatch watch(panel.filterControl);
-        static_cast<void>(QTest::qWaitFor([&watch] { return watch.painted; }, 400));
+        return QTest::qWaitFor([&watch] { return watch.painted; }, bound);
     }
 
     QImage screen() { return panel.screen()->grabWindow(panel.winId()).toImage(); }
@@ -95,12 +95,12 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
         for (const bool prepared : {false, true}) {
             change();
             if (prepared)
-                letPrepare();
+                static_cast<void>(isPrepared(400)); // some changes call for no picture
             const auto [first, whole] = open();
             ASSERT_FALSE(first.isNull());
             EXPECT_EQ(first, whole) << what << (prepared ? ", at rest" : ", just before");
             popup.hide();
-            letPrepare();
+            EXPECT_TRUE(isPrepared());
         }
     }
 }
@@ -110,7 +110,7 @@ TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
     age = 44; // seconds: one more, and it is no longer "now"
     const ClipPointer clip = addText("vecchio");
     const QString before = detailText(*clip);
-    letPrepare();
+    EXPECT_TRUE(isPrepared());
     ASSERT_TRUE(QTest::qWaitFor([&] { return detailText(*clip) != before; }));
     const auto [first, whole] = open();
     EXPECT_EQ(first, whole);

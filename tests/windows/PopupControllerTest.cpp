@@ -44,26 +44,6 @@ protected:
 
 } // namespace
 
-TEST_F(PopupControllerTest, TypingNarrowsAndTheCountSaysHowFar)
-{
-    addTexts(30);
-    popup.show();
-    EXPECT_EQ(count(), "30 elementi");
-    press("Down");
-    type("pari TESTO");
-    EXPECT_EQ(popup.results().size(), 30U) << "dispari holds pari";
-    EXPECT_EQ(row(), 0);
-    press("Esc");
-    type("dispari");
-    EXPECT_EQ(count(), "15 di 30");
-    EXPECT_EQ(popup.results().front()->text, "testo 29 dispari");
-    type("xyz");
-    EXPECT_EQ(count(), "0 di 30");
-    press("Return");
-    EXPECT_FALSE(picked);
-    EXPECT_TRUE(popup.isVisible());
-}
-
 TEST_F(PopupControllerTest, EachKeyPicksItsClipInItsMode)
 {
     addTexts(8);
@@ -92,6 +72,12 @@ TEST_F(PopupControllerTest, EachKeyPicksItsClipInItsMode)
     popup.show();
     press("Ctrl+9");
     EXPECT_EQ(field().text(), "") << "a digit without a row is no text";
+    type("xyz");
+    EXPECT_EQ(count(), "0 di 8");
+    picked = nullptr;
+    press("Return");
+    EXPECT_FALSE(picked);
+    EXPECT_TRUE(popup.isVisible());
 }
 
 TEST_F(PopupControllerTest, ArrowsAndPagesStopAtTheEnds)
@@ -105,22 +91,17 @@ TEST_F(PopupControllerTest, ArrowsAndPagesStopAtTheEnds)
     }
 }
 
-TEST_F(PopupControllerTest, FiltersGoRoundAndStay)
+TEST_F(PopupControllerTest, AFilterStays)
 {
     addTexts(2);
     addImage();
     popup.show();
-    press("Shift+Backtab");
-    EXPECT_EQ(popup.filter(), ClipFilter::pinned);
-    EXPECT_EQ(count(), "0 di 3");
-    for (const auto filter : {ClipFilter::all, ClipFilter::text, ClipFilter::images}) {
-        press("Tab");
-        EXPECT_EQ(popup.filter(), filter);
-    }
-    EXPECT_EQ(popup.results().size(), 1U);
+    press("Tab");
+    press("Tab");
     popup.hide();
     popup.show();
     EXPECT_EQ(popup.filter(), ClipFilter::images);
+    EXPECT_EQ(popup.results().size(), 1U);
     EXPECT_EQ(panel.filterControl->selectedSegment(), 2);
 }
 
