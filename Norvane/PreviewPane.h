@@ -1,10 +1,11 @@
 #pragma once
 
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/NewestRequest.h"
 
 #include <QPlainTextEdit>
 #include <QWidget>
-#include <atomic>
+#include <functional>
 #include <memory>
 
 class ClipStore;
@@ -55,7 +56,8 @@ private:
 // The selected clip in full beside the list: its text (styled text plain so far) or image, or both, and a
 // line about it. Main thread.
 //
-// Large images are decoded on a worker; what arrives for a clip that is not shown any more is dropped.
+// Large images are read and decoded on workers; what arrives for a clip that is not shown any more is
+// dropped.
 class PreviewPane : public QWidget {
     Q_OBJECT
 
@@ -67,7 +69,7 @@ public:
     void setReadsImages(bool reads) { readsImages = reads; }
 
     // Null clears the pane. A clip of which nothing has changed keeps its scroll position.
-    void show(const ClipPointer &clip, const ClipStore &store);
+    void show(const ClipPointer &clip, ClipStore &store);
 
     [[nodiscard]] QString information() const;
     [[nodiscard]] PreviewText &text() { return *textView; }
@@ -85,7 +87,8 @@ private:
 
     QStringList showImage(const Clip &clip);
     QStringList showText(const Clip &clip);
-    void loadImage(const Clip &clip, const ClipStore &store);
+    void loadImage(const Clip &clip, ClipStore &store);
+    void decode(const QByteArray &bytes, const std::function<bool()> &isNewest);
     void arrange(Arrangement chosen);
     void placeViews();
     void applyColours();
@@ -101,6 +104,5 @@ private:
     bool promisesText = false; // of the image that is shown
     std::weak_ptr<Clip> shownClip;
     qint64 shownRevision = 0;
-    // Of the clip that is shown: the worker leaves out images of others.
-    std::shared_ptr<std::atomic<qint64>> generation = std::make_shared<std::atomic<qint64>>(0);
+    NewestRequest pictures; // the newest is of the clip that is shown
 };

@@ -3,12 +3,14 @@
 #include "Norvane/store/DamagedHistory.h"
 #include "Norvane/store/Database.h"
 #include "Norvane/store/HistorySchema.h"
+#include "Platform/Log.h"
 
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 #include <chrono>
 #include <cmath>
+#include <exception>
 #include <limits>
 #include <sys/stat.h>
 #include <unordered_set>
@@ -24,6 +26,16 @@ void createPrivateFolder(const QString &folder)
     ::mkdir(QFile::encodeName(folder).constData(), 0700);
 }
 
+std::function<void()> made(const ClipStore::Reading &reading, const StoredFormats &formats)
+{
+    try {
+        return reading(formats);
+    } catch (const std::exception &) {
+        logLine(QStringLiteral("Norvane: a clip could not be read for lack of memory"));
+        return reading(StoredFormats({}));
+    }
+}
+
 } // namespace
 
 double secondsSinceReferenceDate()
@@ -35,7 +47,7 @@ double secondsSinceReferenceDate()
 ClipStore::ClipStore(const QString &folder, std::function<double()> clock)
     : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock))
 {
-    readers.setMaxThreadCount(1); // one large clip in memory at a time
+    readers.setMaxThreadCount(2); // a choice does not wait for a picture that is looked at
     createPrivateFolder(QDir::cleanPath(folder));
     open();
 }
@@ -52,25 +64,58 @@ QString ClipStore::defaultFolder()
 
 std::vector<ClipFormat> ClipStore::formats(const Clip &clip) const
 {
-    if (const auto waiting = unsaved.find(clip.id); waiting != unsaved.end())
-        return waiting->second;
-    return db ? loadFormats(*db, clip.id) : std::vector<ClipFormat>();
+    return stored(clip).all();
 }
 
-void ClipStore::readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done)
+StoredFormats ClipStore::stored(const Clip &clip) const
 {
-    const auto deliver = [this, done = std::move(done)](std::vector<ClipFormat> formats) {
-        QMetaObject::invokeMethod(
-            this, [done, formats = std::move(formats)] { done(formats); }, Qt::QueuedConnection);
-    };
+    return stored(clip.id);
+}
+
+StoredFormats ClipStore::stored(qint64 clip) const
+{
+    if (const auto waiting = unsaved.find(clip); waiting != unsaved.end())
+        return StoredFormats(waiting->second);
+    return db ? StoredFormats(*db, clip) : StoredFormats({});
+}
+
+void ClipStore::read(const Clip &clip, Reading reading)
+{
     if (!db || unsaved.contains(clip.id)) {
-        deliver(formats(clip));
+        readFromMemory(formats(clip), std::move(reading));
         return;
     }
-    readers.start([deliver, file = path, id = clip.id] {
+    readers.start([this, reading = std::move(reading), file = path, id = clip.id] {
         const auto reader = Database::open(file, Database::Access::read);
-        deliver(reader ? loadFormats(*reader, id) : std::vector<ClipFormat>());
+        auto then = reader ? made(reading, StoredFormats(*reader, id)) : std::function<void()>();
+        if (!reader || reader->hasFailed())
+            then = [this, reading, id] { readFromMemory(formatsAfterFailure(id), reading); };
+        post(std::move(then));
     });
+}
+
+void ClipStore::readFromMemory(std::vector<ClipFormat> formats, Reading reading)
+{
+    readers.start([this, formats = StoredFormats(std::move(formats)), reading = std::move(reading)] {
+        post(made(reading, formats));
+    });
+}
+
+// From a worker.
+void ClipStore::post(std::function<void()> work)
+{
+    if (work)
+        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+}
+
+// This connection still has a file that was deleted, and sees to damage.
+std::vector<ClipFormat> ClipStore::formatsAfterFailure(qint64 clip)
+{
+    auto formats = stored(clip).all();
+    if (!db || !db->isDamaged())
+        return formats;
+    restoreIfDamaged();
+    return stored(clip).all();
 }
 
 ClipPointer ClipStore::add(const CapturedClip &capture)
@@ -311,6 +356,7 @@ void ClipStore::restoreIfDamaged()
 {
     if (!db || !db->isDamaged())
         return;
+    readers.waitForDone(); // none may have the file open, or open the new one too early
     db.reset();
     const QString damaged = setAside(path);
     if (!damaged.isEmpty() && openDatabase())

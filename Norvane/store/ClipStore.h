@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/StoredFormats.h"
 
 #include <QObject>
 #include <QThreadPool>
@@ -39,9 +40,17 @@ public:
     // The stored formats in their order, read from the file; none without a database.
     [[nodiscard]] std::vector<ClipFormat> formats(const Clip &clip) const;
 
-    // The same, read on a worker from a connection of its own: hundreds of megabytes take up to a second.
-    // `done` is called from the event loop, unless the store is gone first.
-    void readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done);
+    [[nodiscard]] StoredFormats stored(const Clip &clip) const;
+
+    // Calls `reading` on a worker, which reads from a connection of its own (hundreds of megabytes take up to
+    // a second) and may make of it what else takes long, and then what that returned, if anything, from the
+    // event loop; neither where the store is gone first. Two readings run at a time, in no order of their
+    // own. Where the file fails one, it is called again with what this connection can read.
+    using Reading = std::function<std::function<void()>(const StoredFormats &)>;
+    void read(const Clip &clip, Reading reading);
+
+    // Whether this very object is in the history.
+    [[nodiscard]] bool contains(const ClipPointer &clip) const;
 
     // Grows with every change, before it is posted.
     [[nodiscard]] quint64 changeCount() const { return changes; }
@@ -70,7 +79,10 @@ private:
     void open();
     bool openDatabase();
     void restoreIfDamaged();
-    [[nodiscard]] bool contains(const ClipPointer &clip) const;
+    [[nodiscard]] StoredFormats stored(qint64 clip) const;
+    void readFromMemory(std::vector<ClipFormat> formats, Reading reading);
+    void post(std::function<void()> work);
+    [[nodiscard]] std::vector<ClipFormat> formatsAfterFailure(qint64 clip);
     [[nodiscard]] double timeStamp() const;
     bool transaction(const std::function<bool()> &statements);
     bool insertFormats(const Clip &clip, const std::vector<ClipFormat> &formats);

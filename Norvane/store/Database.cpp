@@ -202,6 +202,7 @@ bool Database::finish(sqlite3_stmt *statement, const QByteArray &sql, int result
 void Database::noteFailure(const QByteArray &sql)
 {
     const int result = sqlite3_errcode(db) & 0xff;
+    failed = true;
     if (access != Access::salvage)
         logLine(QString::fromUtf8("Norvane SQL: " + QByteArray(sqlite3_errmsg(db)) + " — " + sql));
     if (damaged || (result != SQLITE_CORRUPT && result != SQLITE_NOTADB))

@@ -75,6 +75,9 @@ public:
 
     [[nodiscard]] qint64 lastInsertedRowID() const;
 
+    // Whether any statement has failed since it was opened.
+    [[nodiscard]] bool hasFailed() const { return failed; }
+
     // Whether SQLite has called the file damaged, or no database, since it was opened.
     [[nodiscard]] bool isDamaged() const { return damaged; }
 
@@ -92,6 +95,7 @@ private:
     const Access access;
     sqlite3 *db = nullptr;
     std::unordered_map<QByteArray, sqlite3_stmt *> idleStatements; // by their text
+    bool failed = false;
     bool damaged = false;
     qint64 busySince = 0; // milliseconds of a steady clock
     qint64 gaveUpAt = 0;

@@ -96,6 +96,14 @@ std::vector<ClipFormat> loadFormats(Database &db, qint64 clip)
     return formats;
 }
 
+std::optional<QByteArray> loadFormat(Database &db, qint64 clip, QStringView type)
+{
+    std::optional<QByteArray> data;
+    db.query(HistorySQL::formatOfType, {clip, type.toString()},
+             [&data](const SQLRow &row) { data = row.blob(0); });
+    return data;
+}
+
 ClipList loadClips(Database &db)
 {
     // Otherwise the sort goes through temporary files: twice as slow, and copies of the history outside its

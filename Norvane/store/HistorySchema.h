@@ -11,6 +11,8 @@ inline constexpr char load[] =
     "FROM clips ORDER BY created DESC";
 inline constexpr char formatsOfClip[] =
     "SELECT item, type, data FROM formats WHERE clip_id = ? ORDER BY rowid";
+inline constexpr char formatOfType[] =
+    "SELECT data FROM formats WHERE clip_id = ? AND type = ? ORDER BY rowid LIMIT 1";
 inline constexpr char insertClip[] =
     "INSERT INTO clips(kind, text, hash, created, app_id, app_name, pinned, size, width, height, thumb)\n"
     "VALUES(?, ?, ?, ?, ?, ?, 0, ?, ?, ?, ?)";
@@ -36,6 +38,9 @@ void prepareSchema(Database &db);
 
 // What the clip of this number was stored with; none when it cannot be read.
 [[nodiscard]] std::vector<ClipFormat> loadFormats(Database &db, qint64 clip);
+
+// The bytes of its first format of this type alone.
+[[nodiscard]] std::optional<QByteArray> loadFormat(Database &db, qint64 clip, QStringView type);
 
 // Every row, newest first.
 [[nodiscard]] ClipList loadClips(Database &db);

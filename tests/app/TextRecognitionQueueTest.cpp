@@ -128,6 +128,22 @@ TEST_F(TextRecognitionQueueTest, ADeletedImageStaysDeletedAndTheRestGoesOn)
     EXPECT_EQ(service->asked().size(), 3);
 }
 
+TEST_F(TextRecognitionQueueTest, AnImageDeletedWhileItsBytesAreReadIsNotRecognised)
+{
+    add("first", u"primo"_s);
+    queue->kick();
+    ASSERT_TRUE(becomesIdle());
+    const ClipPointer older = add("older", u"vecchio"_s);
+    const ClipPointer doomed = add(QByteArray(4 << 20, 'd'), u"sparito"_s);
+    queue->kick();
+    EXPECT_TRUE(queue->isBusy());
+    store.remove(doomed);
+    EXPECT_TRUE(becomesIdle());
+    EXPECT_EQ(older->recognizedText, u"vecchio");
+    EXPECT_FALSE(doomed->recognizedText);
+    EXPECT_EQ(service->asked(), (std::vector<QByteArray>{"first", "older"}));
+}
+
 TEST_F(TextRecognitionQueueTest, WithoutLanguageDataImagesWaitAndItIsSaidOnce)
 {
     const ClipPointer clip = add("1", u"uno"_s);

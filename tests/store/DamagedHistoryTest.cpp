@@ -122,20 +122,33 @@ TEST_F(DamagedHistory, OneDamagedPageCostsTheClipsOnIt)
 
 TEST_F(DamagedHistory, DamageThatShowsWhileRunningIsRepairedAtOnce)
 {
-    const auto pages = pagesOf("formats", "leaf");
-    ASSERT_GT(pages.size(), 20u);
-    damage((pages[pages.size() / 2] - 1) * pageSize, QByteArray(pageSize, '\xAA'));
-    history.reopen();
-    EXPECT_TRUE(setAside().isEmpty());
-    const ClipList clips = history.store->clips();
-    EXPECT_EQ(clips.size(), 600u);
-    for (const auto &clip : clips)
-        (void)history.store->formats(*clip);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !setAside().isEmpty(); }));
-    EXPECT_EQ(history.store->clips(), clips); // the same objects
-    // What the page held is lost; such texts are pasted as they stand in the list.
-    for (const auto &clip : clips)
-        EXPECT_EQ(dataOfType(history.store->formats(*clip), u"public.utf8-plain-text"), clip->text.toUtf8());
+    for (const bool onTheWorker : {false, true}) {
+        const auto pages = pagesOf("formats", "leaf");
+        ASSERT_GT(pages.size(), 20u);
+        damage((pages[pages.size() / 2] - 1) * pageSize, QByteArray(pageSize, '\xAA'));
+        history.reopen();
+        const auto damages = setAside().size();
+        const ClipList clips = history.store->clips();
+        EXPECT_EQ(clips.size(), 600u);
+        size_t read = 0;
+        for (const auto &clip : clips) {
+            if (!onTheWorker)
+                (void)history.store->formats(*clip);
+            else
+                history.store->read(*clip, [&read, text = clip->text.toUtf8()](const StoredFormats &formats) {
+                    return [&read, same = dataOfType(formats.all(), u"public.utf8-plain-text") == text] {
+                        read += same ? 1 : 0;
+                    };
+                });
+        }
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return setAside().size() > damages && (!onTheWorker || read == clips.size()); }));
+        EXPECT_EQ(history.store->clips(), clips); // the same objects
+        // What the page held is lost; such texts are pasted as they stand in the list.
+        for (const auto &clip : clips)
+            EXPECT_EQ(dataOfType(history.store->formats(*clip), u"public.utf8-plain-text"),
+                      clip->text.toUtf8());
+    }
     expectWorking(600);
 }
 

@@ -1,0 +1,120 @@
+// The longest time that the event loop is away while a very large clip is pasted, converted or looked at.
+
+#include "bench/LongestTurn.h"
+
+#include "Norvane/PreviewPane.h"
+#include "Norvane/app/Preferences.h"
+#include "Norvane/app/TextRecognitionQueue.h"
+#include "Norvane/capture/ClipboardMonitor.h"
+#include "Norvane/paste/PasteService.h"
+#include "Platform/memory/MemoryPlatform.h"
+
+#include <QApplication>
+#include <QBuffer>
+#include <QTemporaryDir>
+
+namespace {
+
+constexpr double aim = 16; // milliseconds: a frame
+
+struct History {
+    QTemporaryDir folder;
+    std::unique_ptr<Platform> platform = makeMemoryPlatform();
+    Preferences prefs{*platform->defaults};
+    ClipStore store{folder.path()};
+
+    ClipPointer add(ClipKind kind, const QString &text, const char *type, const QByteArray &bytes)
+    {
+        CapturedClip capture;
+        capture.kind = kind;
+        capture.text = text;
+        capture.hash = contentHash(bytes);
+        capture.formats = {{0, QString::fromLatin1(type), bytes}};
+        return store.add(capture);
+    }
+};
+
+// The call that begins the work, and the event loop until it is done.
+bool benchWork(const QByteArray &subject, const std::function<void()> &begin,
+               const std::function<bool()> &isDone)
+{
+    QElapsedTimer whole;
+    whole.start();
+    double longest = fastest(1, begin);
+    longest = std::max(longest, longestTurn(isDone));
+    std::printf("%s done after %lld ms\n", subject.constData(), static_cast<long long>(whole.elapsed()));
+    return report(subject, longest, "ms", aim);
+}
+
+bool benchChoices(History &history)
+{
+    ClipboardMonitor monitor(*history.platform->pasteboard, history.prefs);
+    PasteService service({history.store, *history.platform->pasteboard, monitor, history.prefs,
+                          *history.platform->workspace, *history.platform->keyEvents});
+    QRandomGenerator random(5);
+    QString italian;
+    while (italian.size() < 10'000'000)
+        italian += sampleText(random);
+    const ClipPointer text = history.add(ClipKind::text, italian, "public.utf8-plain-text", italian.toUtf8());
+    const ClipPointer large = history.add(ClipKind::text, {}, "x/large", QByteArray(200 << 20, 'x'));
+    const auto choose = [&](const char *subject, const ClipPointer &clip, PasteMode mode) {
+        const auto before = history.platform->pasteboard->changeCount();
+        return benchWork(
+            subject, [&] { service.paste(clip, mode); },
+            [&] { return history.platform->pasteboard->changeCount() > before; });
+    };
+    bool met = choose("10 MB of text as camelCase:", text, TextTransform::camel);
+    met &= choose("10 MB of text, plain:", text, PasteMode::plain);
+    met &= choose("200 MiB as copied:", large, PasteMode::paste);
+    return met;
+}
+
+QByteArray noise(int side)
+{
+    QImage image(side, side, QImage::Format_RGB888);
+    QRandomGenerator random(7);
+    random.fillRange(reinterpret_cast<quint32 *>(image.bits()), image.sizeInBytes() / 4);
+    QByteArray png;
+    QBuffer buffer(&png);
+    image.save(&buffer, "PNG", 100); // not compressed
+    return png;
+}
+
+bool benchPicture(History &history)
+{
+    constexpr int side = 6000;
+    const ClipPointer picture = history.add(ClipKind::image, {}, "public.png", noise(side));
+    std::printf("a picture of %lld bytes\n", static_cast<long long>(picture->size));
+    PreviewPane pane(*history.platform->pasteboard, history.prefs, nullptr);
+    pane.resize(400, 600);
+    pane.QWidget::show();
+    bool isShown = false, isPainted = false;
+    QObject::connect(&pane, &PreviewPane::pictureArrived, &pane, [&] {
+        isShown = true;
+        QTimer::singleShot(0, &pane, [&] { isPainted = true; }); // after what it posted
+    });
+    bool met = benchWork(
+        "its preview:", [&] { pane.show(picture, history.store); }, [&] { return isShown && isPainted; });
+
+    const auto service = std::make_shared<MemoryRecognition>();
+    TextRecognitionQueue queue(history.store, service, [] { return true; });
+    met &= benchWork(
+        "its text:", [&] { queue.kick(); },
+        [&] { return picture->recognizedText.has_value() && !queue.isBusy(); });
+    return met;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    bool met = false;
+    {
+        History history;
+        met = benchChoices(history);
+    }
+    History history;
+    met &= benchPicture(history);
+    return met ? 0 : 1;
+}
