@@ -177,14 +177,15 @@ void PreviewPane::loadImage(const Clip &clip, ClipStore &store)
 // Not where it was read: a choice may wait there.
 void PreviewPane::decode(const QByteArray &bytes, const std::function<bool()> &isNewest)
 {
-    QThreadPool::globalInstance()->start([this, bytes, isNewest] {
+    QThreadPool::globalInstance()->start([this, bytes, isNewest, room = imageView->room()] {
         const QImage image = isNewest() ? decodedPicture(bytes, longestSide) : QImage();
         if (image.isNull())
             return;
-        QMetaObject::invokeMethod(qApp, [this, image, isNewest] {
+        const QImage fitted = PreviewImage::fitted(image, room);
+        QMetaObject::invokeMethod(qApp, [this, image, fitted, isNewest] {
             if (!isNewest())
                 return;
-            imageView->setImage(image);
+            imageView->setImage(image, fitted);
             Q_EMIT pictureArrived();
         });
     });

@@ -42,15 +42,21 @@ class PreviewImage : public QWidget {
 public:
     explicit PreviewImage(QWidget *parent);
 
-    void setImage(const QImage &image);
+    // `ready`: the image as fitted() makes it for the room that there is, to spare the next frame that.
+    void setImage(const QImage &image, const QImage &ready = {});
     [[nodiscard]] const QImage &image() const { return image_; }
+
+    // In pixels of the screen.
+    [[nodiscard]] QSize room() const { return size() * devicePixelRatioF(); }
+    // Tens of milliseconds for a large one. Any thread.
+    [[nodiscard]] static QImage fitted(const QImage &image, const QSize &room);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QImage image_;
-    QPixmap scaledImage;
+    QPixmap scaledImage; // in pixels of the screen
 };
 
 // The selected clip in full beside the list: its text (styled text plain so far) or image, or both, and a

@@ -1,7 +1,6 @@
 // The longest time that the event loop is away while a program of the worst kind owns the clipboard or asks
 // for it. Needs an X server of its own (tests/support/private-desktop).
 
-#include "bench/LongestTurn.h"
 #include "bench/SampleClips.h"
 
 #include "Platform/DesktopEntries.h"
@@ -9,6 +8,7 @@
 
 #include <QApplication>
 #include <QProcess>
+#include <QTimer>
 
 namespace {
 
@@ -24,6 +24,18 @@ public:
     }
     [[nodiscard]] std::optional<QString> iconName(const QString &) const override { return std::nullopt; }
 };
+
+// Turns of the event loop of at most a millisecond, timed, until `over`.
+double longestTurn(const std::function<bool()> &over)
+{
+    QTimer beat;
+    beat.start(1);
+    double longest = 0;
+    while (!over())
+        longest = std::max(
+            longest, fastest(1, [] { QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); }));
+    return longest;
+}
 
 bool benchFault(const QString &program, const QString &role, const QString &name)
 {

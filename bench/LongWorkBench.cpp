@@ -1,6 +1,7 @@
-// The longest time that the event loop is away while a very large clip is pasted, converted or looked at.
+// How long the main thread works at a stretch while a very large clip is pasted, converted, looked at or
+// read.
 
-#include "bench/LongestTurn.h"
+#include "bench/SampleClips.h"
 
 #include "Norvane/PreviewPane.h"
 #include "Norvane/app/Preferences.h"
@@ -12,10 +13,13 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace {
 
-constexpr double aim = 16; // milliseconds: a frame
+constexpr int runs = 3;
+constexpr double aim = 50;     // milliseconds
+constexpr int aftermath = 100; // milliseconds in which the event loop does what was posted, and paints
 
 struct History {
     QTemporaryDir folder;
@@ -34,15 +38,30 @@ struct History {
     }
 };
 
-// The call that begins the work, and the event loop until it is done.
-bool benchWork(const QByteArray &subject, const std::function<void()> &begin,
-               const std::function<bool()> &isDone)
+// The call that begins the work, and the turns of the event loop until it is done and a little longer.
+double longestTurn(const std::function<void()> &begin, const std::function<bool()> &isDone)
 {
-    QElapsedTimer whole;
+    QTimer beat;
+    beat.start(1);
+    QElapsedTimer whole, after;
     whole.start();
     double longest = fastest(1, begin);
-    longest = std::max(longest, longestTurn(isDone));
-    std::printf("%s done after %lld ms\n", subject.constData(), static_cast<long long>(whole.elapsed()));
+    while (!after.isValid() || after.elapsed() < aftermath) {
+        longest = std::max(
+            longest, fastest(1, [] { QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); }));
+        if (!after.isValid() && isDone()) {
+            std::printf("done after %lld ms\n", static_cast<long long>(whole.elapsed()));
+            after.start();
+        }
+    }
+    return longest;
+}
+
+bool benchWork(const char *subject, const std::function<double()> &longestTurnOf)
+{
+    double longest = std::numeric_limits<double>::max();
+    for (int run = 0; run < runs; ++run)
+        longest = std::min(longest, longestTurnOf());
     return report(subject, longest, "ms", aim);
 }
 
@@ -58,10 +77,11 @@ bool benchChoices(History &history)
     const ClipPointer text = history.add(ClipKind::text, italian, "public.utf8-plain-text", italian.toUtf8());
     const ClipPointer large = history.add(ClipKind::text, {}, "x/large", QByteArray(200 << 20, 'x'));
     const auto choose = [&](const char *subject, const ClipPointer &clip, PasteMode mode) {
-        const auto before = history.platform->pasteboard->changeCount();
-        return benchWork(
-            subject, [&] { service.paste(clip, mode); },
-            [&] { return history.platform->pasteboard->changeCount() > before; });
+        return benchWork(subject, [&] {
+            const auto before = history.platform->pasteboard->changeCount();
+            return longestTurn([&] { service.paste(clip, mode); },
+                               [&] { return history.platform->pasteboard->changeCount() > before; });
+        });
     };
     bool met = choose("10 MB of text as camelCase:", text, TextTransform::camel);
     met &= choose("10 MB of text, plain:", text, PasteMode::plain);
@@ -88,19 +108,19 @@ bool benchPicture(History &history)
     PreviewPane pane(*history.platform->pasteboard, history.prefs, nullptr);
     pane.resize(400, 600);
     pane.QWidget::show();
-    bool isShown = false, isPainted = false;
-    QObject::connect(&pane, &PreviewPane::pictureArrived, &pane, [&] {
-        isShown = true;
-        QTimer::singleShot(0, &pane, [&] { isPainted = true; }); // after what it posted
+    bool isShown = false;
+    QObject::connect(&pane, &PreviewPane::pictureArrived, &pane, [&isShown] { isShown = true; });
+    bool met = benchWork("its preview:", [&] {
+        pane.show(nullptr, history.store);
+        isShown = false;
+        return longestTurn([&] { pane.show(picture, history.store); }, [&] { return isShown; });
     });
-    bool met = benchWork(
-        "its preview:", [&] { pane.show(picture, history.store); }, [&] { return isShown && isPainted; });
-
     const auto service = std::make_shared<MemoryRecognition>();
     TextRecognitionQueue queue(history.store, service, [] { return true; });
-    met &= benchWork(
-        "its text:", [&] { queue.kick(); },
-        [&] { return picture->recognizedText.has_value() && !queue.isBusy(); });
+    met &= benchWork("its text:", [&] {
+        picture->recognizedText.reset();
+        return longestTurn([&] { queue.kick(); }, [&] { return picture->recognizedText && !queue.isBusy(); });
+    });
     return met;
 }
 
