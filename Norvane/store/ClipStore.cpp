@@ -45,9 +45,9 @@ double secondsSinceReferenceDate()
 }
 
 ClipStore::ClipStore(const QString &folder, std::function<double()> clock)
-    : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock))
+    : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock)),
+      readers("store reader", 2) // a choice does not wait for a picture that is looked at
 {
-    readers.setMaxThreadCount(2); // a choice does not wait for a picture that is looked at
     createPrivateFolder(QDir::cleanPath(folder));
     open();
 }
@@ -90,22 +90,15 @@ void ClipStore::read(const Clip &clip, Reading reading)
         auto then = reader ? made(reading, StoredFormats(*reader, id)) : std::function<void()>();
         if (!reader || reader->hasFailed())
             then = [this, reading, id] { readFromMemory(formatsAfterFailure(id), reading); };
-        post(std::move(then));
+        return then;
     });
 }
 
 void ClipStore::readFromMemory(std::vector<ClipFormat> formats, Reading reading)
 {
     readers.start([this, formats = StoredFormats(std::move(formats)), reading = std::move(reading)] {
-        post(made(reading, formats));
+        return made(reading, formats);
     });
-}
-
-// From a worker.
-void ClipStore::post(std::function<void()> work)
-{
-    if (work)
-        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
 }
 
 // This connection still has a file that was deleted, and sees to damage.
@@ -356,7 +349,7 @@ void ClipStore::restoreIfDamaged()
 {
     if (!db || !db->isDamaged())
         return;
-    readers.waitForDone(); // none may have the file open, or open the new one too early
+    readers.finish(); // none may have the file open, or open the new one too early
     db.reset();
     const QString damaged = setAside(path);
     if (!damaged.isEmpty() && openDatabase())

@@ -2,9 +2,9 @@
 
 #include "Norvane/store/Clip.h"
 #include "Norvane/store/StoredFormats.h"
+#include "Norvane/store/WorkerThreads.h"
 
 #include <QObject>
-#include <QThreadPool>
 #include <functional>
 #include <memory>
 #include <unordered_map>
@@ -81,7 +81,6 @@ private:
     void restoreIfDamaged();
     [[nodiscard]] StoredFormats stored(qint64 clip) const;
     void readFromMemory(std::vector<ClipFormat> formats, Reading reading);
-    void post(std::function<void()> work);
     [[nodiscard]] std::vector<ClipFormat> formatsAfterFailure(qint64 clip);
     [[nodiscard]] double timeStamp() const;
     bool transaction(const std::function<bool()> &statements);
@@ -97,5 +96,5 @@ private:
     std::unordered_map<qint64, std::vector<ClipFormat>>
         unsaved; // replaced formats the file did not take, by clip id
     quint64 changes = 0;
-    QThreadPool readers; // last: ends before what it reads
+    WorkerThreads readers; // last: ends before what it reads
 };
