@@ -175,6 +175,12 @@ qint64 Database::lastInsertedRowID() const
     return sqlite3_last_insert_rowid(db);
 }
 
+bool Database::hasMoved() const
+{
+    int moved = 0;
+    return sqlite3_file_control(db, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
 // A statement that a callback of its own runs again finds the kept one in use and gets a second.
 sqlite3_stmt *Database::prepared(const QByteArray &sql)
 {

@@ -81,6 +81,10 @@ public:
     // Whether SQLite has called the file damaged, or no database, since it was opened.
     [[nodiscard]] bool isDamaged() const { return damaged; }
 
+    // Whether another connection to the path would get another file, or none: somebody moved or deleted this
+    // one.
+    [[nodiscard]] bool hasMoved() const;
+
     // Called once, at the first sign of damage, from within the operation that met it: it must not touch this
     // object.
     std::function<void()> onDamage;

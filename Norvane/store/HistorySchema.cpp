@@ -68,6 +68,34 @@ void prepareSchema(Database &db)
         db.exec("ALTER TABLE clips ADD COLUMN ocr TEXT");
 }
 
+// SQLite itself may have rolled back before a failure is seen here.
+bool inTransaction(Database &db, const std::function<bool()> &statements)
+{
+    if (!db.exec("BEGIN"))
+        return false;
+    if (statements() && db.exec("COMMIT"))
+        return true;
+    db.rollBack();
+    return false;
+}
+
+bool insertClip(Database &db, Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return inTransaction(db, [&] {
+        if (!db.run(HistorySQL::insertClip, HistorySQL::insertedValues(clip)))
+            return false;
+        clip.id = db.lastInsertedRowID();
+        return insertFormats(db, clip, formats);
+    });
+}
+
+bool insertFormats(Database &db, const Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return std::all_of(formats.begin(), formats.end(), [&](const ClipFormat &format) {
+        return db.run(HistorySQL::insertFormat, {clip.id, format.item, format.type, format.data});
+    });
+}
+
 ClipPointer clipFromRow(const SQLRow &row)
 {
     auto clip = std::make_shared<Clip>();

@@ -3,6 +3,8 @@
 #include "Norvane/store/Clip.h"
 #include "Norvane/store/Database.h"
 
+#include <functional>
+
 // The tables of "clips.sqlite" and every statement that the history runs on them.
 namespace HistorySQL {
 
@@ -32,6 +34,13 @@ inline constexpr char deleteClip[] = "DELETE FROM clips WHERE id = ?";
 // Creates what is missing: tables and indices, and the columns that came later. A file without any table gets
 // incremental auto-vacuum; another keeps its mode.
 void prepareSchema(Database &db);
+
+// Runs the statements as one transaction: all of it or nothing. True when it is in the file.
+bool inTransaction(Database &db, const std::function<bool()> &statements);
+
+// Writes a clip that is not in the file yet, with its formats, in one transaction, and gives it its id.
+bool insertClip(Database &db, Clip &clip, const std::vector<ClipFormat> &formats);
+bool insertFormats(Database &db, const Clip &clip, const std::vector<ClipFormat> &formats);
 
 // A row whose columns are those of HistorySQL::load.
 [[nodiscard]] ClipPointer clipFromRow(const SQLRow &row);
