@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int runs = 3;
+constexpr int runs = 5;
 constexpr double aim = 50;     // milliseconds
 constexpr int aftermath = 100; // milliseconds in which the event loop does what was posted, and paints
 
