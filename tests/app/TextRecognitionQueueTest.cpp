@@ -111,6 +111,22 @@ TEST_F(TextRecognitionQueueTest, ADeletedImageStaysDeletedAndTheRestGoesOn)
     EXPECT_EQ(service->asked().size(), 3);
 }
 
+TEST_F(TextRecognitionQueueTest, AnImageDeletedWhileItsBytesAreReadIsNotRecognised)
+{
+    add("first", "primo");
+    queue->kick();
+    ASSERT_TRUE(becomesIdle());
+    const ClipPointer older = add("older", "vecchio");
+    const ClipPointer doomed = add(QByteArray(4 << 20, 'd'), "sparito");
+    queue->kick();
+    EXPECT_TRUE(queue->isBusy());
+    store.remove(doomed);
+    EXPECT_TRUE(becomesIdle());
+    EXPECT_EQ(older->recognizedText, "vecchio");
+    EXPECT_FALSE(doomed->recognizedText);
+    EXPECT_EQ(service->asked(), (std::vector<QByteArray>{"first", "older"}));
+}
+
 TEST_F(TextRecognitionQueueTest, WithoutLanguageDataImagesWaitAndItIsSaidOnce)
 {
     const ClipPointer clip = add("1", "uno");

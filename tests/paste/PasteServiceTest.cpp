@@ -88,6 +88,8 @@ TEST_F(PasteServiceTest, AClipThatCannotBeReadLeavesThePasteboardAsItIs)
     EXPECT_EQ(workspace.beepCount, 1);
 }
 
+const QByteArray longText = QByteArray("caffè ").repeated(50000); // longer than what a clip itself keeps
+
 TEST_F(PasteServiceTest, EachWayGivesItsContentAloneAndOnlyPastingTypes)
 {
     const auto by = [this](auto way) {
@@ -97,7 +99,6 @@ TEST_F(PasteServiceTest, EachWayGivesItsContentAloneAndOnlyPastingTypes)
         {{{"public.rtf", "{\\rtf1}"}, {plainText, "ciao 😀\r\nmondo"}, {"x/own", ""}}}, textItem("secondo")};
     const std::vector<PasteboardItem> styled{{{{"public.html", "<b>a</b>"}, {plainText, "a"}}}};
     const std::vector<PasteboardItem> picture{itemOf("public.png", "no real picture")};
-    const QString longText = QString("caffè ").repeated(50000); // longer than what the clip itself keeps
     const struct {
         const char *what;
         std::vector<PasteboardItem> copy;
@@ -113,7 +114,11 @@ TEST_F(PasteServiceTest, EachWayGivesItsContentAloneAndOnlyPastingTypes)
          {textItem("/tmp/a b\n/etc/hosts")},
          true},
         {"the whole text", {textItem(longText)}, by(PasteMode::plain), {textItem(longText)}, true},
-        {"converted", {textItem(longText)}, by(TextTransform::upper), {textItem(longText.toUpper())}, true},
+        {"converted",
+         {textItem(longText)},
+         by(TextTransform::upper),
+         {textItem(QString(longText).toUpper())},
+         true},
         {"copied", styled, by(PasteMode::copy), styled, false},
         {"copied text", styled, by(PasteMode::copyText), {textItem("a")}, false},
         {"what was read in an image", picture, by(PasteMode::copyText), {textItem("Fattura n. 118")}, false},
@@ -140,34 +145,109 @@ TEST_F(PasteServiceTest, EachWayGivesItsContentAloneAndOnlyPastingTypes)
     }
 }
 
-TEST_F(PasteServiceTest, ALargeClipFollowsWhenItIsReadUnlessSomethingElseComesFirst)
-{
-    const std::vector<PasteboardItem> items{itemOf("x/large", QByteArray(8 << 20, 'l'))};
-    auto capture = textCapture("large");
-    capture.formats = {{0, "x/large", *items[0].data(u"x/large")}};
-    const ClipPointer large = store.add(capture);
-    const ClipPointer small = copied({textItem("small")});
-    const auto isLarge = [&] { return contents() == items; };
+// What takes long to read or to convert.
+struct LongChoice {
+    const char *name;
+    QByteArray text;
+    QByteArray other; // bytes beside the text
+    PasteMode mode;
+    QByteArray pasted; // as text; empty: all forms
+};
 
-    service.paste(large, PasteMode::paste);
-    EXPECT_FALSE(isLarge()) << "the caller has waited for it";
-    ASSERT_TRUE(QTest::qWaitFor(isLarge));
-    EXPECT_EQ(store.clips().front(), large);
+class LongChoiceTest : public PasteServiceTest, public ::testing::WithParamInterface<LongChoice> {
+protected:
+    ClipPointer addLong()
+    {
+        auto capture = textCapture(GetParam().text);
+        capture.formats = {{0, plainText, GetParam().text}, {0, "x/other", GetParam().other}};
+        return store.add(capture);
+    }
+
+    [[nodiscard]] bool isPasted() const
+    {
+        const auto &choice = GetParam();
+        if (!choice.pasted.isEmpty())
+            return contents() == std::vector{itemOf(plainText, choice.pasted)};
+        return contents() ==
+               std::vector{PasteboardItem{{{plainText, choice.text}, {"x/other", choice.other}}}};
+    }
+
+    // Two readings one after the other last longer than the one that was begun before them.
+    void letReadingEnd(const ClipPointer &clip)
+    {
+        bool ended = false;
+        for (int i = 0; i < 2; ++i) {
+            store.read(*clip, [&ended, clip](const StoredFormats &) { return [&ended] { ended = true; }; });
+            ASSERT_TRUE(QTest::qWaitFor([&] { return std::exchange(ended, false); }));
+        }
+    }
+};
+
+TEST_P(LongChoiceTest, FollowsAMomentLaterUnlessSomethingElseComesFirst)
+{
+    const ClipPointer clip = addLong();
+    const ClipPointer small = copied({textItem("small")});
+    service.paste(clip, GetParam().mode);
+    EXPECT_FALSE(isPasted()) << "the caller has waited for it";
+    ASSERT_TRUE(QTest::qWaitFor([this] { return isPasted(); }));
+    EXPECT_EQ(store.clips().front(), clip);
     EXPECT_TRUE(isTyped());
 
-    for (const bool chosen : {true, false}) {
-        service.paste(large, PasteMode::copy);
-        if (chosen)
-            service.paste(small, PasteMode::copy);
-        else
-            copied({textItem("small")});
-        bool read = false;
-        store.readFormats(*large, [&](const auto &formats) { read = formats == capture.formats; });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return read; }));
+    const std::function<void()> firsts[] = {
+        [&] { service.paste(small, PasteMode::copy); },
+        [&] { copied({textItem("small")}); },
+        [&] { store.remove(clip); },
+    };
+    for (const auto &first : firsts) {
+        service.paste(small, PasteMode::copy);
+        service.paste(clip, GetParam().mode);
+        first();
+        letReadingEnd(clip);
         EXPECT_EQ(contents(), std::vector{textItem("small")});
-        service.paste(large, PasteMode::copy);
-        ASSERT_TRUE(QTest::qWaitFor(isLarge));
     }
+    EXPECT_EQ(store.clips(), ClipList{small}) << "a deleted clip came back";
+    EXPECT_EQ(workspace.beepCount, 1) << "for the deleted one";
+    letPasteHappen();
+    EXPECT_EQ(keyEvents.pasteCount, 1);
+    EXPECT_EQ(captureCount, 1 + 1); // the copies of the other program
+}
+
+TEST_P(LongChoiceTest, GivesWayToALaterOneHoweverLongThatTakes)
+{
+    const ClipPointer clip = addLong();
+    auto capture = textCapture("longer");
+    capture.formats = {{0, "x/longer", QByteArray(32 << 20, 'l')}};
+    const ClipPointer longer = store.add(capture);
+    service.paste(clip, GetParam().mode);
+    service.paste(longer, PasteMode::copy);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return pasteboard.changeCount() > 0; }));
+    EXPECT_EQ(contents(), std::vector{itemOf("x/longer", capture.formats[0].data)});
+    letReadingEnd(clip);
+    EXPECT_EQ(pasteboard.changeCount(), 1);
+    EXPECT_EQ(store.clips().front(), longer);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PasteService, LongChoiceTest,
+    ::testing::Values(LongChoice{"LargeClip", "a", QByteArray(8 << 20, 'x'), PasteMode::paste, {}},
+                      LongChoice{"LargeText", longText, QByteArray(8 << 20, 'x'), PasteMode::plain, longText},
+                      LongChoice{"LongConversion", longText, "", TextTransform::upper,
+                                 QByteArray("CAFFÈ ").repeated(50000)},
+                      LongChoice{"ConversionOfATextInMemory", QByteArray(100000, 'x'), "",
+                                 TextTransform::upper, QByteArray(100000, 'X')}),
+    [](const auto &test) { return std::string(test.param.name); });
+
+TEST_F(PasteServiceTest, ItsEndEndsAChoiceUnderWay)
+{
+    const ClipPointer clip = copied({itemOf(plainText, longText)});
+    {
+        PasteService brief{{store, pasteboard, monitor, prefs, workspace, keyEvents}};
+        brief.paste(clip, TextTransform::upper);
+    }
+    bool ended = false;
+    store.read(*clip, [&](const StoredFormats &) { return [&] { ended = true; }; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ended; }));
+    EXPECT_EQ(contents(), std::vector{itemOf(plainText, longText)});
 }
 
 TEST_F(PasteServiceTest, WhatIsScheduledIsTypedWhateverComesAndNotBeforeItsTime)

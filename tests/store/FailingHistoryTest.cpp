@@ -2,6 +2,7 @@
 #include "tests/store/ScratchHistory.h"
 
 #include <QElapsedTimer>
+#include <QTest>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -116,6 +117,42 @@ TEST_F(FailingHistory, AFullDiskLeavesNoHalfCopy)
     history.reopen();
     EXPECT_EQ(history.texts(), (QStringList{"tre", "uno"}));
     EXPECT_EQ(history.store->formats(*history.store->clips().back()), capture.formats);
+}
+
+// The worker's own connection meets what the other one does not notice, or knows better.
+TEST(ReadingOnAWorker, GetsWhatTheHistoryHas)
+{
+    const struct {
+        const char *name;
+        std::function<void(ScratchHistory &, BareDatabase &)> fail;
+    } cases[] = {
+        {"nothing fails", [](auto &, auto &) {}},
+        {"another process is writing", [](auto &, auto &other) { other.exec("BEGIN EXCLUSIVE"); }},
+        {"new content that the file has not taken",
+         [](auto &history, auto &other) {
+             other.exec("BEGIN IMMEDIATE");
+             const auto clip = history.store->clips().front();
+             history.store->replaceContent(clip, "due", textCapture("due").formats);
+         }},
+        {"the file was deleted",
+         [](auto &history, auto &) {
+             for (const char *suffix : {"", "-wal", "-shm"})
+                 QFile::remove(history.file() + suffix);
+         }},
+    };
+    for (const auto &failing : cases) {
+        ScratchHistory history;
+        const auto clip = history.add("uno");
+        BareDatabase other(history.file());
+        failing.fail(history, other);
+        std::optional<QString> read;
+        history.store->read(*clip, [&](const StoredFormats &formats) {
+            const QString text = wholeText(formats, "none");
+            return [&read, text] { read = text; };
+        });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return read.has_value(); })) << failing.name;
+        EXPECT_EQ(*read, clip->text) << failing.name;
+    }
 }
 
 TEST(HistoryWithoutAFile, TheSessionWorksInMemory)
