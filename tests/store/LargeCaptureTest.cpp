@@ -7,12 +7,12 @@
 
 namespace {
 
-const QString one = QStringLiteral("uno"), two = QStringLiteral("due"), large = QStringLiteral("large");
+const QString one = "uno", two = "due", large = "large";
 
 CapturedClip largeCapture(const QString &text = large)
 {
-    auto capture = ScratchHistory::textCapture(text);
-    capture.formats.push_back({1, QStringLiteral("public.png"), QByteArray(8 << 20, 'x')});
+    auto capture = textCapture(text);
+    capture.formats.push_back({1, "public.png", QByteArray(8 << 20, 'x')});
     return capture;
 }
 
@@ -79,16 +79,14 @@ TEST_F(LargeCapture, EveryOtherChangeComesAfterIt)
         std::function<void(ScratchHistory &, const ClipPointer &last)> change;
         QStringList texts;
     } cases[] = {
-        {"another capture",
-         [](auto &h, auto &) { h.add(QStringLiteral("tre")); },
-         {QStringLiteral("tre"), large, two, one}},
+        {"another capture", [](auto &h, auto &) { h.add("tre"); }, {"tre", large, two, one}},
         {"the same capture", [](auto &h, auto &) { h.add(largeCapture()); }, {large, two, one}},
         {"another large one",
          [](auto &h, auto &) {
-             h.store->addLater(largeCapture(QStringLiteral("larger")), [] {});
+             h.store->addLater(largeCapture("larger"), [] {});
              h.store->trim(9, 0);
          },
-         {QStringLiteral("larger"), large, two, one}},
+         {"larger", large, two, one}},
         {"to the top",
          [](auto &h, auto &) {
              h.clock += 1;
@@ -100,12 +98,10 @@ TEST_F(LargeCapture, EveryOtherChangeComesAfterIt)
         {"delete several", [](auto &h, auto &last) { h.store->deleteAll({last}); }, {large, two}},
         {"trim", [](auto &h, auto &) { h.store->trim(2, 0); }, {large, two}},
         {"recognised text",
-         [](auto &h, auto &last) { h.store->setRecognizedText(QStringLiteral("x"), last); },
+         [](auto &h, auto &last) { h.store->setRecognizedText("x", last); },
          {large, two, one}},
         {"new content",
-         [](auto &h, auto &last) {
-             h.store->replaceContent(last, two, ScratchHistory::textCapture(two).formats);
-         },
+         [](auto &h, auto &last) { h.store->replaceContent(last, two, textCapture(two).formats); },
          {large, two, two}},
         {"the end", [](auto &h, auto &) { h.reopen(); }, {large, two, one}},
     };
@@ -155,7 +151,7 @@ TEST_F(LargeCapture, ThatTheFileRefusesAddsNothing)
 
 TEST_F(LargeCapture, GoesWhereTheHistoryIsAndNotIntoAFileThatTookItsPlace)
 {
-    ASSERT_TRUE(QFile::rename(history.file(), history.file() + QStringLiteral(".moved")));
+    ASSERT_TRUE(QFile::rename(history.file(), history.file() + ".moved"));
     ASSERT_TRUE(QFile(history.file()).open(QIODevice::WriteOnly));
     addLater(largeCapture());
     ASSERT_TRUE(isDoneSoon());
