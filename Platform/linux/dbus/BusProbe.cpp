@@ -88,7 +88,7 @@ bool busAnswers(const QString &address, int limit)
     if (descriptor < 0)
         return false;
     // A bus that many programs call at once, as at login, lets a caller wait.
-    const timeval patience{limit / 1000, limit % 1000 * 1000};
+    const timeval patience{limit / 1000, limit % 1000 * 1000L};
     ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     const bool connected =
         ::connect(descriptor, reinterpret_cast<const sockaddr *>(&place->address), place->size) == 0;
