@@ -28,13 +28,11 @@ TEST(CaretBounds, ScalesByTheStepsOfTheToolkit)
 
 TEST(CaretBounds, KnowsAPlaceFromNone)
 {
-    EXPECT_TRUE(CaretBounds::isPlace({10, 20, 0, 15}));
-    EXPECT_TRUE(CaretBounds::isPlace({0, 0, 8, 15}));
-    EXPECT_FALSE(CaretBounds::isPlace({0, 0, 0, 0}));
-    EXPECT_FALSE(CaretBounds::isPlace({-1, 20, 0, 15}));
-    EXPECT_FALSE(CaretBounds::isPlace({20, -1, 0, 15}));
-    EXPECT_FALSE(CaretBounds::isPlace({10, 20, 5, 0}));
-    EXPECT_FALSE(CaretBounds::isPlace({10, 20, 5, -3}));
+    for (const QRect &place : {QRect(10, 20, 0, 15), QRect(0, 0, 8, 15)})
+        EXPECT_TRUE(CaretBounds::isPlace(place)) << place.x();
+    for (const QRect &none : {QRect(0, 0, 0, 0), QRect(-1, 20, 0, 15), QRect(20, -1, 0, 15),
+                              QRect(10, 20, 5, 0), QRect(10, 20, 5, -3)})
+        EXPECT_FALSE(CaretBounds::isPlace(none)) << none.x();
 }
 
 TEST(CaretBounds, AcceptsACaretInsideItsWindowOnly)

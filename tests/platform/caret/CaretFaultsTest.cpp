@@ -2,22 +2,20 @@
 
 #include "tests/platform/caret/CaretAnswer.h"
 #include "tests/platform/caret/ScriptedProgram.h"
+#include "tests/support/Variable.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QLocalServer>
 #include <QRect>
 #include <QTest>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 
 using namespace Qt::StringLiterals;
 
 constexpr QRect windowArea(100, 50, 600, 400);
-constexpr qint64 inTime = 150; // milliseconds: the limit of 100, and two busy cores
 
 std::unique_ptr<AtSpiCaret> makeService()
 {
@@ -193,9 +191,7 @@ TEST_F(ScriptedCaret, OfAProgramThatAnswersNonsenseIsNone)
     };
     for (const auto &make : nonsense) {
         make();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
+        expectNoCaretInTime(*service);
     }
 }
 
@@ -209,11 +205,9 @@ TEST_F(ScriptedCaret, IsNotLookedForInATreeWithoutEnd)
     }
     ASSERT_TRUE(moveFocusToButton());
     program->calls = 0;
-    const auto answer = askForCaret(*service);
-    EXPECT_TRUE(answer.came);
-    EXPECT_EQ(answer.caret, std::nullopt);
-    EXPECT_LT(answer.milliseconds, inTime);
+    EXPECT_EQ(caret(), std::nullopt);
     EXPECT_LT(program->calls, 400) << "two questions an object, and 150 of these";
+    expectNoCaretInTime(*service);
 }
 
 // As LibreOffice is: a search there, or a look at the children of a sheet, keeps it busy for ever.
@@ -252,13 +246,7 @@ TEST_F(ScriptedCaret, NoAnswerComesToARequestThatWasDropped)
 TEST_F(ScriptedCaret, IsAbsentInTimeWhileTheBusHangsAndTheMainThreadGoesOn)
 {
     bus.stop();
-    for (int round = 0; round < 2; ++round) {
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
-        EXPECT_LT(answer.milliseconds, inTime);
-        EXPECT_LT(answer.largestGap, 60);
-    }
+    expectNoCaretInTime(*service);
     bus.goOn();
     EXPECT_TRUE(QTest::qWaitFor([this] { return caret().has_value(); }));
 }
@@ -270,7 +258,7 @@ TEST_F(ScriptedCaret, DoesNotKeepTheProgramFromEndingWhileTheBusHangs)
     QElapsedTimer ending;
     ending.start();
     service.reset();
-    EXPECT_LT(ending.elapsed(), 500);
+    EXPECT_LT(ending.elapsed(), 2000);
     bus.goOn();
 }
 
@@ -278,53 +266,37 @@ TEST_F(ScriptedCaret, IsThereAgainAfterTheBusWasStartedAnew)
 {
     bus.kill();
     ASSERT_TRUE(waitForBus(*service, false));
-    const auto answer = askForCaret(*service);
-    EXPECT_TRUE(answer.came);
-    EXPECT_EQ(answer.caret, std::nullopt);
+    expectNoCaretInTime(*service);
     ASSERT_TRUE(bus.start());
     EXPECT_TRUE(waitForBus(*service));
 }
 
-// A bus that takes connections and says nothing.
 TEST(AccessibilityBus, ThatHangsFromTheStartIsNeverWaitedFor)
 {
     const QTemporaryDir folder;
-    const QByteArray path = folder.filePath(u"bus"_s).toUtf8();
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 8), 0);
-    qputenv("AT_SPI_BUS_ADDRESS", "unix:path=" + path);
+    QLocalServer hungBus; // takes every caller, answers none
+    ASSERT_TRUE(hungBus.listen(folder.filePath(u"bus"_s)));
+    const Variable address("AT_SPI_BUS_ADDRESS", "unix:path=" + hungBus.fullServerName().toUtf8());
     QElapsedTimer life;
     life.start();
     {
         const auto service = makeService();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
-        EXPECT_LT(answer.milliseconds, inTime);
-        EXPECT_LT(answer.largestGap, 60);
+        expectNoCaretInTime(*service);
         EXPECT_FALSE(service->caretAvailable());
     }
-    EXPECT_LT(life.elapsed(), 2000) << "nor at the end";
-    qunsetenv("AT_SPI_BUS_ADDRESS");
-    ::close(listener);
+    EXPECT_LT(life.elapsed(), 5000) << "nor at the end";
 }
 
 TEST(AccessibilityBus, ThatIsNotThereLeavesNoCaretToAskFor)
 {
-    const QByteArray session = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    const Variable session("DBUS_SESSION_BUS_ADDRESS");
     for (const char *address : {"disabled:", "autolaunch:", "unix:path=/nonexistent/bus"}) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        SCOPED_TRACE(address);
+        session.set(address);
         const auto service = makeService();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came) << address;
-        EXPECT_EQ(answer.caret, std::nullopt);
+        expectNoCaretInTime(*service);
         EXPECT_FALSE(service->caretAvailable());
     }
-    session.isNull() ? qunsetenv("DBUS_SESSION_BUS_ADDRESS") : qputenv("DBUS_SESSION_BUS_ADDRESS", session);
 }
 
 } // namespace
