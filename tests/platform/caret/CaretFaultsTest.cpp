@@ -1,5 +1,6 @@
 // What programs and buses do to a question for the caret, on a bus of the test's own.
 
+#include "Platform/linux/dbus/CaretBounds.h"
 #include "tests/platform/caret/CaretAnswer.h"
 #include "tests/platform/caret/ScriptedProgram.h"
 #include "tests/support/Variable.h"
@@ -148,6 +149,27 @@ TEST_F(ScriptedCaret, OfAToolkitThatCountsFromItsWindowIsOnTheScreen)
     EXPECT_TRUE(becomes(QRectF(120, 90, 0, 60))) << "a line of text tells its own place only";
 }
 
+TEST(CaretBounds, ScalesByTheStepsOfTheToolkit)
+{
+    struct Case {
+        double server, program;
+        bool whole;
+        double scale;
+    };
+    for (const auto &c : std::vector<Case>{{400, 400, false, 1},
+                                           {400, 402, true, 1}, // with the frame of the window manager
+                                           {800, 402, true, 2},
+                                           {600, 400, false, 1.5},
+                                           {500, 400, false, 1.25},
+                                           {252, 200, true, 1}, // with a shadow of its own
+                                           {800, 0, false, 1},
+                                           {0, 800, false, 1},
+                                           {100, 400, false, 1},
+                                           {9000, 10, false, 4}})
+        EXPECT_EQ(CaretBounds::scale(c.server, c.program, c.whole), c.scale)
+            << c.server << " for " << c.program;
+}
+
 TEST_F(ScriptedCaret, OfAProgramThatFillsItInLaterIsAskedForAgain)
 {
     program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"Gecko"_s);
@@ -169,8 +191,11 @@ TEST_F(ScriptedCaret, IsRememberedWhileTheProgramNamesNoFocus)
 
 TEST_F(ScriptedCaret, OutsideItsWindowIsNone)
 {
-    for (const QRectF &place : {QRectF(200, 460, 9, 18), QRectF(20, 90, 9, 18), QRectF(200, 90, 2000, 18),
-                                QRectF(200, 90, 9, -18), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
+    setCharacters([](int, uint) { return QRectF(99, 433, 0, 18); });
+    EXPECT_TRUE(becomes(QRectF(99, 433, 0, 18))) << "what is rounded is still inside";
+    for (const QRectF &place :
+         {QRectF(200, 460, 9, 18), QRectF(90, 90, 9, 18), QRectF(200, 90, 2000, 18), QRectF(200, 90, 9, -18),
+          QRectF(200, 90, 9, 0), QRectF(0, 0, 0, 0), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
         setCharacters([place](int, uint) { return place; });
         setText(u"abcd"_s);
         EXPECT_EQ(caret(), std::nullopt) << ::testing::PrintToString(place);

@@ -119,7 +119,7 @@ TEST_F(Paste, TypesNothingWhenTheFocusDoesNotComeBack)
     thief.activateWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return hand.focus() == thief.winId(); }, 3000));
     keys.postPaste();
-    EXPECT_FALSE(QTest::qWaitFor([&] { return !thief.field->text().isEmpty(); }, 500));
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !thief.field->text().isEmpty(); }, 1500));
     hand.setFocus(neighbour.window);
     EXPECT_FALSE(QTest::qWaitFor([&] { return !neighbour.text.isEmpty(); }, 200));
 }

@@ -25,12 +25,7 @@ const Reading readings[] = {
      {"x/own=own", "public.html=<b>c</b>", "public.utf8-plain-text=ciao \xF0\x9F\x98\x80\r\nmondo"},
      QByteArrayList{"TARGETS", "UTF8_STRING", "text/html", "x/own"}},
     {"NeverWhatHasSideEffects",
-     {{"DELETE", {"boom"}},
-      {"SAVE_TARGETS", {"boom"}},
-      {"INSERT_SELECTION", {"boom"}},
-      {"GTK_TEXT_BUFFER_CONTENTS", {"boom"}},
-      {"application/x-openoffice-link;windows_formatname=\"Link\"", {"boom"}},
-      {"UTF8_STRING", {"safe"}}},
+     {{"DELETE", {"boom"}}, {"GTK_TEXT_BUFFER_CONTENTS", {"boom"}}, {"UTF8_STRING", {"safe"}}},
      {"public.utf8-plain-text=safe"},
      QByteArrayList{"TARGETS", "UTF8_STRING"}},
     {"RefusedEmptyAndTypeless",
@@ -142,10 +137,11 @@ TEST_F(ReadTest, OfAnEndlessListTheFirstThousandAreConsidered)
     Owner owner;
     owner.offer("UTF8_STRING", "first");
     for (int i = 0; i < 3000; ++i)
-        owner.offer("X" + QByteArray::number(i), "");
+        owner.offer("x/" + QByteArray::number(i), "");
     copy(owner);
-    EXPECT_EQ(types(), QStringList{"public.utf8-plain-text"});
     EXPECT_EQ(text(), QByteArray("first"));
+    EXPECT_GT(owner.asked.size(), 1000);
+    EXPECT_LE(owner.asked.size(), 1024);
 }
 
 TEST_F(ReadTest, LongContentComesInChunksWhateverWasAnnounced)

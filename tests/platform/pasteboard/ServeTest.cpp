@@ -195,7 +195,7 @@ TEST_F(ServeTest, PrimaryCarriesTheTextOnlyWhenAskedTo)
     EXPECT_EQ(requestor.text("PRIMARY"), QByteArray("foreign"));
 }
 
-TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
+TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySecondsAndOneProgramHasFewOfThem)
 {
     Requestor requestor;
     const auto x = PasteboardConnection::open();
@@ -203,7 +203,7 @@ TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
     SelectionServer server(*x);
     const auto claim = x->claim(x->atoms().clipboard);
     server.offer(x->atoms().clipboard, claim, {{"x/long", "x/long", pattern(1'000'000)}});
-    xcb_selection_request_event_t request{};
+    SelectionRequest request{};
     request.requestor = requestor.window();
     request.selection = x->atoms().clipboard;
     request.target = requestor.atom("x/long");
@@ -216,4 +216,9 @@ TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
     EXPECT_EQ(server.deadline(), start + std::chrono::seconds(30));
     server.advance(start + std::chrono::seconds(30));
     EXPECT_EQ(server.transferCount(), 0u);
+    for (int i = 0; i < 200; ++i) {
+        request.property = requestor.atom("PLACE_" + QByteArray::number(i));
+        server.handleRequest(request, start);
+    }
+    EXPECT_EQ(server.transferCount(), 64u);
 }
