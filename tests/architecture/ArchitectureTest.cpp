@@ -71,8 +71,7 @@ constexpr Planted allowed[] = {
 
 QStringList judged(const Planted &planted)
 {
-    return faultsOf(QLatin1String(planted.path),
-                    u"/* QClipboard\n */\n"_s + QString::fromUtf8(planted.line));
+    return faultsOf(QLatin1String(planted.path), u"/* QClipboard\n */\n"_s + QString::fromUtf8(planted.line));
 }
 
 TEST(Architecture, EveryLineIsJudgedByItsRoom)

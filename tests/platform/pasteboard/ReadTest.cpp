@@ -126,6 +126,7 @@ TEST_F(ReadTest, TextForOurOwnFieldsIsFetchedWhateverThePolicyLeft)
         owner.hangs = true;
         EXPECT_EQ(readText(), QString());
     }
+    settle();
     pasteboard->write({textItem("primo"), textItem("secondo")});
     bool called = false; // our own is there at once
     pasteboard->readText([&](const QString &read) { called = read == QStringLiteral("primo\nsecondo"); });

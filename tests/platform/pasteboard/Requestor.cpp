@@ -25,7 +25,7 @@ void Requestor::ask(const QByteArray &target, const QByteArray &property, const 
 
 bool Requestor::awaitNotify()
 {
-    const bool came = await([this] { return notifies > 0; });
+    const bool came = await([this] { return notifies > 0; }, 20000);
     notifies = 0;
     return came;
 }
