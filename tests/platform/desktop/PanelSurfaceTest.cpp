@@ -44,13 +44,14 @@ TEST_P(PanelOnDesktop, GetsTheKeysTypedRightBehindTheHotKeyAndWhileItIsHeld)
          u"xyz"_s},
     };
     int wanted = 0;
-    for (const auto &[release, text] : ways) {
+    for (const Way &way : ways) {
         holdHotKey();
-        release();
+        way.release();
         hand.tap(Hand::y);
         hand.tap(Hand::z);
         ++wanted;
-        EXPECT_TRUE(QTest::qWaitFor([&] { return presses == wanted && panel.field->text() == text; }, 3000))
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return presses == wanted && panel.field->text() == way.text; }, 3000))
             << presses << ' ' << panel.field->text().toStdString();
         EXPECT_EQ(neighbour.report().keys, 0);
         pressHotKey();
@@ -129,16 +130,20 @@ TEST_P(PanelOnDesktop, StaysOnClicksInsideAndOnTheWheelOutside)
     EXPECT_TRUE(surface.isPresented());
 }
 
-TEST_P(PanelOnDesktop, ClosesOnClicksOnTheEmptyDesktopAndInItsRoundedCorners)
+TEST_P(PanelOnDesktop, ClosesOnAClickOnTheEmptyDesktop)
 {
-    Neighbour neighbour;
-    for (const QPoint target : {outside, place.topLeft() + QPoint(1, 1)}) {
-        open();
-        ASSERT_TRUE(waitForPanelFocus());
-        hand.click(target);
-        EXPECT_TRUE(waitForClosed()) << target.x();
-        ASSERT_TRUE(neighbour.waitForFocus());
-    }
+    open();
+    ASSERT_TRUE(waitForPanelFocus());
+    hand.click(outside);
+    EXPECT_TRUE(waitForClosed());
+}
+
+TEST_P(PanelOnDesktop, LetsClicksInItsRoundedCornersThrough)
+{
+    open();
+    ASSERT_TRUE(waitForPanelFocus());
+    hand.click(place.topLeft() + QPoint(1, 1));
+    EXPECT_TRUE(waitForClosed());
 }
 
 TEST_P(PanelOnDesktop, DismissedAfterTheProgramInFrontDiedLeavesTheFocusNowhereDead)

@@ -62,7 +62,7 @@ TEST(CopiedItemsTest, TextsAreDecodedByTheirTargets)
     EXPECT_EQ(storedBytes(text, text.candidates[0], "\xE8"), QByteArray("\xE8"));
     EXPECT_EQ(storedBytes(text, text.candidates[1], "\xE8"), QByteArray("\xC3\xA8"));
     EXPECT_EQ(storedBytes(text, text.candidates[2], QByteArray("\xE8\0", 2)), QByteArray("\xC3\xA8"));
-    EXPECT_EQ(storedBytes(text, text.candidates[2], "perch\xC3\xA9"), QByteArray("perch\xC3\xA9"));
+    EXPECT_EQ(storedBytes(text, text.candidates[1], "perch\xC3\xA9"), QByteArray("perch\xC3\xA9"));
 
     const QString smile = QStringLiteral("ciao 😀");
     const QByteArray utf16(reinterpret_cast<const char *>(smile.utf16()), smile.size() * 2);
