@@ -4,9 +4,11 @@
 #include "Vesmo/Localisation.h"
 #include "Vesmo/Text.h"
 
+#include <QDateTime>
 #include <QLocale>
 #include <QStringList>
 #include <array>
+#include <unicode/datefmt.h>
 #include <unicode/reldatefmt.h>
 
 namespace {
@@ -92,14 +94,32 @@ QString rawTitle(const Clip &clip, qsizetype maxLength)
     return head(clip.text, 2 * maxLength);
 }
 
+icu::Locale icuLocale()
+{
+    return {AppLanguage::locale().name().toLatin1().constData()};
+}
+
 const icu::RelativeDateTimeFormatter *relativeFormatter()
 {
     static const auto formatter = [] {
         UErrorCode status = U_ZERO_ERROR;
-        const icu::Locale locale(AppLanguage::locale().name().toLatin1().constData());
-        auto made = std::make_unique<icu::RelativeDateTimeFormatter>(locale, nullptr, UDAT_STYLE_SHORT,
+        auto made = std::make_unique<icu::RelativeDateTimeFormatter>(icuLocale(), nullptr, UDAT_STYLE_SHORT,
                                                                      UDISPCTX_CAPITALIZATION_NONE, status);
         return U_SUCCESS(status) ? std::move(made) : nullptr;
+    }();
+    return formatter.get();
+}
+
+// It is given local times as if they were Greenwich's: the time zone is the toolkit's, which follows its
+// changes.
+const icu::DateFormat *dateFormatter()
+{
+    static const auto formatter = [] {
+        std::unique_ptr<icu::DateFormat> made(icu::DateFormat::createDateTimeInstance(
+            icu::DateFormat::kMedium, icu::DateFormat::kShort, icuLocale()));
+        if (made)
+            made->setTimeZone(*icu::TimeZone::getGMT());
+        return made;
     }();
     return formatter.get();
 }
@@ -155,6 +175,18 @@ QString relativeTime(double date)
     formatter->formatNumeric(-std::floor(passed / largest.seconds), largest.unit, text, status);
     if (U_FAILURE(status))
         return L("adesso");
+    return QString::fromUtf16(text.getBuffer(), text.length());
+}
+
+QString dateText(double date)
+{
+    const auto reference = QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime local = reference.addMSecs(qRound64(date * 1000)).toLocalTime();
+    const auto *formatter = dateFormatter();
+    if (!formatter)
+        return AppLanguage::locale().toString(local, QLocale::ShortFormat);
+    icu::UnicodeString text;
+    formatter->format(static_cast<UDate>(local.toMSecsSinceEpoch() + local.offsetFromUtc() * 1000LL), text);
     return QString::fromUtf16(text.getBuffer(), text.length());
 }
 

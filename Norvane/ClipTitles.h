@@ -19,5 +19,9 @@ inline constexpr qsizetype listTitleLength = 240;
 // `date` in seconds since the reference date.
 [[nodiscard]] QString relativeTime(double date);
 
+// Day and time as the application's language and the user's region write them: "5 mar 2024, 14:07",
+// "Mar 5, 2024, 2:07 PM". `date` as above.
+[[nodiscard]] QString dateText(double date);
+
 // Bytes as a file manager shows them: decimal units, no decimals for kB, one for MB, two above.
 [[nodiscard]] QString byteCountText(qint64 bytes);

@@ -94,6 +94,8 @@ bool PanelEdges::press(const QMouseEvent &event)
 
 bool PanelEdges::move(const QMouseEvent &event)
 {
+    if (dragging && !event.buttons().testFlag(Qt::LeftButton))
+        end(); // the release went elsewhere, as when a grab of another program came in between
     if (dragging) {
         const QPoint by = event.globalPosition().toPoint() - pressedAt;
         if (dragged)

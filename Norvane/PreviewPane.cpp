@@ -9,7 +9,6 @@
 #include "Vesmo/Text.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QLabel>
 #include <QPointer>
 #include <QTextLayout>
@@ -30,15 +29,6 @@ constexpr int longestSide = 4096; // of a decoded preview, pixels
 bool isLarge(const Clip &clip)
 {
     return clip.pixelSize.width() * clip.pixelSize.height() > largeImage || clip.pixelSize.isEmpty();
-}
-
-QString dateText(double created)
-{
-    const auto reference = QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-    const QDateTime date = reference.addMSecs(qRound64(created * 1000)).toLocalTime();
-    const QLocale locale = AppLanguage::locale();
-    return locale.toString(date.date(), QStringLiteral("d MMM yyyy")) + QStringLiteral(", ") +
-           locale.toString(date.time(), QLocale::ShortFormat);
 }
 
 QString lineCountText(const QString &text)

@@ -93,7 +93,14 @@ int main(int argc, char **argv)
         QTextStream(stdout) << "No running Norvane answered.\n";
         return 0;
     }
+    QString problem;
+    auto display = reachDisplay(problem);
+    if (!display) {
+        QTextStream(stderr) << "norvane: " << problem << '\n';
+        return failure;
+    }
     const QApplication application(argc, argv);
+    display.reset(); // the toolkit has a connection of its own
     QApplication::setQuitOnLastWindowClosed(false);
     return runApplication(commandLine);
 }

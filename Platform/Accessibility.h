@@ -9,8 +9,8 @@ class Accessibility {
 public:
     virtual ~Accessibility() = default;
 
-    // The programs of this desktop can be asked for their caret. False as well while that is being found out,
-    // shortly after the start.
+    // The programs of this desktop can be asked for their caret. False as well while carets are not wanted,
+    // and while it is being found out, shortly after they have come to be.
     [[nodiscard]] virtual bool caretAvailable() const = 0;
 
     // Whether carets are going to be asked for; false at first. While they are, the service keeps track of

@@ -69,7 +69,8 @@ bool isHeif(const QByteArray &bytes)
     constexpr qsizetype enough = 64; // of the list of brands
     const auto length = static_cast<int>(std::min(bytes.size(), enough));
     const auto *start = reinterpret_cast<const uint8_t *>(bytes.constData());
-    return length >= 12 && heif_check_filetype(start, length) == heif_filetype_yes_supported;
+    const auto type = length >= 12 ? heif_check_filetype(start, length) : heif_filetype_no;
+    return type == heif_filetype_yes_supported || type == heif_filetype_maybe; // a brand that has any coding
 }
 
 ImageFile readHeif(const QByteArray &bytes, qint64 maxPixels)

@@ -26,8 +26,7 @@ const Program &gimp()
         .command = gimpOn,
         .makeBlank = picture(0),
         .copy = {QStringLiteral("Ctrl+Shift+C")}, // what is visible: what was pasted floats above the rest
-        .changedTitle = QStringLiteral("*["),
-        .pasteTime = Desktop::Milliseconds(3000),
+        .changedTitle = QStringLiteral(", 2 layers)"), // what was pasted, and what was there
         .startBound = Desktop::Milliseconds(120000),
         .attempt = Desktop::Milliseconds(40000)};
     return program;

@@ -40,10 +40,7 @@ void OpenProgram::pressCopy() const
 
 HistoryFile::Row OpenProgram::copyAll(const std::function<bool(const HistoryFile::Row &)> &isIt) const
 {
-    const auto newest = [&] {
-        const auto rows = stage.rows();
-        return rows.empty() ? HistoryFile::Row() : rows.front();
-    };
+    const auto newest = [&] { return newestClip(stage); };
     const auto recorded = [&] {
         pressCopy();
         return stage.desktop.waitFor([&] { return isIt(newest()); }, program.attempt);
@@ -58,8 +55,8 @@ HistoryFile::Row OpenProgram::copyAll(const std::function<bool(const HistoryFile
 
 void OpenProgram::becomeReady() const
 {
-    const auto before = stage.rows();
-    copyAll([&](const HistoryFile::Row &row) { return before.empty() || row.id != before.front().id; });
+    const auto before = newestClip(stage).id;
+    copyAll([&](const HistoryFile::Row &row) { return row.id != before; });
     press(program.beforePaste);
 }
 
@@ -131,6 +128,12 @@ void pasteFromPanel(Stage &stage, const HistoryFile::Row &wanted, const QString 
     };
     require(stage.desktop.waitFor(taken), QStringLiteral("the clip was not taken in the panel"));
     stage.awaitNoPanel();
+}
+
+HistoryFile::Row newestClip(const Stage &stage)
+{
+    const auto rows = stage.rows();
+    return rows.empty() ? HistoryFile::Row() : rows.front();
 }
 
 QString installedVersion(const Program &program)

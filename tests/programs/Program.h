@@ -84,6 +84,9 @@ private:
 // or, without, by its place among the first nine.
 void pasteFromPanel(Stage &stage, const HistoryFile::Row &wanted, const QString &words);
 
+// Its id is 0 where the history is empty.
+[[nodiscard]] HistoryFile::Row newestClip(const Stage &stage);
+
 // As Debian counts it; empty where there is no dpkg.
 [[nodiscard]] QString installedVersion(const Program &program);
 

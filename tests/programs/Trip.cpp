@@ -20,12 +20,13 @@ struct Departure {
 Departure depart(Stage &stage, const Trip &trip, std::optional<OpenProgram> &source)
 {
     Departure departure;
+    const auto before = newestClip(stage).id; // what is open already may have copied the like
     const auto path = trip.makeDocument(freshPath(stage));
     departure.original.file = path;
     departure.original.document = readFile(path); // now: a program may write into it
     source.emplace(stage, trip.source, path);
     departure.row = source->copyAll([&](const HistoryFile::Row &row) {
-        return row.id > 0 && row.kind == trip.recorded && row.text.contains(trip.words);
+        return row.id != before && row.kind == trip.recorded && row.text.contains(trip.words);
     });
     for (const auto &target : trip.kept)
         departure.original.copied[target] = stage.clipboard.read(target).value_or(QByteArray());

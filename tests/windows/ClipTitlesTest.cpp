@@ -3,6 +3,7 @@
 #include "Norvane/store/ClipStore.h"
 #include "Vesmo/Text.h"
 
+#include <QDateTime>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -107,6 +108,13 @@ TEST(ClipTitlesTest, AgeIsTheLargestUnitThatHasPassed)
             << seconds << " s: " << ago(seconds).toStdString();
     }
     EXPECT_NE(ago(120.5), ago(2.5 * 3600));
+}
+
+TEST(ClipTitlesTest, DatesAreWrittenInTheApplicationsLanguage)
+{
+    const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime date(QDate(2024, 3, 5), QTime(14, 7, 31));
+    EXPECT_EQ(dateText(static_cast<double>(reference.secsTo(date))), u"5 mar 2024, 14:07"_s);
 }
 
 TEST(ClipTitlesTest, SizesStepUpWhereRoundingWould)

@@ -130,3 +130,14 @@ TEST_F(PanelEdgesTest, HidingInTheMiddleOfADragEndsIt)
     mouse(QEvent::MouseMove, start + QPoint(80, 0), Qt::LeftButton);
     EXPECT_EQ(panel.geometry(), frame);
 }
+
+TEST_F(PanelEdgesTest, ADragWhoseReleaseWentElsewhereIsOver)
+{
+    const QPoint start = panel.mapToGlobal(QPoint(280, 300));
+    mouse(QEvent::MouseButtonPress, start, Qt::LeftButton);
+    mouse(QEvent::MouseMove, start + QPoint(40, 0), Qt::LeftButton);
+    mouse(QEvent::MouseMove, start + QPoint(90, 0), Qt::NoButton);
+    EXPECT_EQ(panel.geometry(), frame.translated(40, 0));
+    drag({280, 300}, {-40, 0});
+    EXPECT_EQ(panel.geometry(), frame);
+}

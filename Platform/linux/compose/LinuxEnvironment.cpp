@@ -1,6 +1,7 @@
 #include "Platform/linux/compose/LinuxPlatform.h"
 #include "Platform/linux/dbus/BusProbe.h"
 #include "Platform/linux/dbus/InstanceActions.h"
+#include "Platform/linux/x11/XcbConnection.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -41,4 +42,22 @@ void prepareLinuxEnvironment()
         !plugin.isEmpty() && !plugin.startsWith("wayland"); // by a test, or by somebody who knows
     if (isWayland && !isChosen)
         qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+std::shared_ptr<const void> reachDisplay(QString &problem)
+{
+    const QByteArray plugin = qgetenv("QT_QPA_PLATFORM");
+    if (!plugin.isEmpty() && !plugin.startsWith("xcb")) // one that needs no X server
+        return std::make_shared<const bool>(true);
+    if (std::shared_ptr<const void> connection = XcbConnection::open())
+        return connection;
+    const QString display = qEnvironmentVariable("DISPLAY");
+    if (!display.isEmpty())
+        problem = QStringLiteral("the display \"%1\" cannot be reached").arg(display);
+    else if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        problem = QStringLiteral("there is no display: DISPLAY is not set");
+    else
+        problem =
+            QStringLiteral("there is no X server, which is needed under Wayland too: DISPLAY is not set");
+    return nullptr;
 }

@@ -6,6 +6,11 @@
 // session, and that there is no session bus where it does not answer.
 void prepareLinuxEnvironment();
 
+// Makes sure of the display that the toolkit ends the process without; null, and why in `problem`, when it
+// cannot be reached. To be held until there is a QApplication: some X servers start anew when nobody is
+// connected any more.
+[[nodiscard]] std::shared_ptr<const void> reachDisplay(QString &problem);
+
 // The way to the running instance; needs a QCoreApplication.
 [[nodiscard]] std::unique_ptr<ApplicationInstance> makeApplicationInstance();
 

@@ -35,10 +35,18 @@ class CaretWorker : public QObject {
 public:
     explicit CaretWorker(std::shared_ptr<AtSpiCaret::Shared> sharedState) : shared(std::move(sharedState)) {}
 
-    std::function<void()> onConnected; // set before the start
+    std::function<void()> onConnected; // set before the thread starts
 
-    void start()
+    // Without a want there is no connection: asking for the bus may be what starts it.
+    void setWanted(bool wanted)
     {
+        retry.reset();
+        focus.reset();
+        bus.reset();
+        shared->connected = false;
+        pause = shortestPause;
+        if (!wanted)
+            return;
         bus = std::make_unique<AtSpiBus>();
         bus->onConnected = [this] { begin(); };
         bus->onLost = [this] { end(); };
@@ -46,13 +54,6 @@ public:
         retry->setSingleShot(true);
         retry->callOnTimeout(this, [this] { connect(); });
         connect();
-    }
-
-    void setListening(bool wanted)
-    {
-        listening = wanted;
-        if (focus)
-            focus->setListening(wanted);
     }
 
     // The program that is in front when the listening begins does not tell what has its focus already.
@@ -86,7 +87,6 @@ private:
         retry->stop();
         pause = shortestPause;
         focus = std::make_unique<AtSpiFocus>(bus->bus());
-        focus->setListening(listening);
         shared->connected = true;
         onConnected();
     }
@@ -101,11 +101,10 @@ private:
     static constexpr std::chrono::milliseconds shortestPause = 1s, longestPause = 1024s;
 
     std::shared_ptr<AtSpiCaret::Shared> shared;
-    std::unique_ptr<AtSpiBus> bus;
-    std::unique_ptr<AtSpiFocus> focus; // null without a bus
+    std::unique_ptr<AtSpiBus> bus;     // null while none is wanted
+    std::unique_ptr<AtSpiFocus> focus; // null without a connection
     std::unique_ptr<QTimer> retry;
     std::chrono::milliseconds pause = shortestPause;
-    bool listening = false;
 };
 
 AtSpiCaret::AtSpiCaret(std::function<std::optional<CaretWindow>()> front)
@@ -117,7 +116,6 @@ AtSpiCaret::AtSpiCaret(std::function<std::optional<CaretWindow>()> front)
     watchdog.callOnTimeout(this, [this] { answer(shared->current, std::nullopt); });
     worker->onConnected = [this] { QMetaObject::invokeMethod(this, [this] { learnFocus(); }); };
     worker->moveToThread(&thread);
-    connect(&thread, &QThread::started, worker, [this] { worker->start(); });
     connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
     thread.setObjectName(QStringLiteral("accessibility"));
     thread.start();
@@ -135,8 +133,7 @@ void AtSpiCaret::setCaretWanted(bool wanted)
     if (isWanted == wanted)
         return;
     isWanted = wanted;
-    QMetaObject::invokeMethod(worker, [target = worker, wanted] { target->setListening(wanted); });
-    learnFocus();
+    QMetaObject::invokeMethod(worker, [target = worker, wanted] { target->setWanted(wanted); });
 }
 
 void AtSpiCaret::learnFocus()

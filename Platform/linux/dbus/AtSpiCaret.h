@@ -18,7 +18,8 @@ struct CaretWindow {
 };
 
 // Carets over AT-SPI, the accessibility bus, asked on a thread of its own: other programs and the bus itself
-// may be slow or hang, and setting up the connection has no time limit. Without a bus no caret is available.
+// may be slow or hang, and setting up the connection has no time limit. It is there while carets are wanted;
+// without a bus no caret is available.
 class AtSpiCaret : public QObject, public Accessibility {
 public:
     // `frontWindow` is asked on the main thread, at each request; absent on an empty desktop.

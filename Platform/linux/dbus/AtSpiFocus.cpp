@@ -24,29 +24,15 @@ AtSpiFocus::AtSpiFocus(const QDBusConnection &bus) : connection(bus)
 {
     connection.connect(daemonName, QStringLiteral("/org/freedesktop/DBus"), daemonName,
                        QStringLiteral("NameOwnerChanged"), this, SLOT(noteOwner(QString, QString, QString)));
+    connection.connect(QString(), QString(), eventInterface, QStringLiteral("StateChanged"),
+                       {QStringLiteral("focused")}, QString(), this, SLOT(noteFocus(QDBusMessage)));
+    connection.asyncCall(registryCall(QStringLiteral("RegisterEvent"))
+                         << eventName << QStringList() << QString());
 }
 
 AtSpiFocus::~AtSpiFocus()
 {
-    setListening(false);
-}
-
-void AtSpiFocus::setListening(bool wanted)
-{
-    if (listening == wanted)
-        return;
-    listening = wanted;
-    const QStringList onlyFocus{QStringLiteral("focused")};
-    if (wanted) {
-        connection.connect(QString(), QString(), eventInterface, QStringLiteral("StateChanged"), onlyFocus,
-                           QString(), this, SLOT(noteFocus(QDBusMessage)));
-        connection.asyncCall(registryCall(QStringLiteral("RegisterEvent"))
-                             << eventName << QStringList() << QString());
-    } else {
-        connection.asyncCall(registryCall(QStringLiteral("DeregisterEvent")) << eventName);
-        connection.disconnect(QString(), QString(), eventInterface, QStringLiteral("StateChanged"), onlyFocus,
-                              QString(), this, SLOT(noteFocus(QDBusMessage)));
-    }
+    connection.asyncCall(registryCall(QStringLiteral("DeregisterEvent")) << eventName);
 }
 
 void AtSpiFocus::noteFocus(const QDBusMessage &signal)
@@ -117,10 +103,7 @@ std::vector<AtSpiObject> AtSpiFocus::activeApplications(const AtSpiInquiry &inqu
     std::vector<AtSpiObject> roots;
     for (const Application &each : known)
         roots.push_back(each.root);
-    std::erase_if(roots, [&inquiry](const AtSpiObject &root) {
-        return AtSpiTree::activeWindows(inquiry, root).empty();
-    });
-    return roots;
+    return AtSpiTree::activePrograms(inquiry, roots);
 }
 
 std::optional<AtSpiObject> AtSpiFocus::textIn(const AtSpiInquiry &inquiry, const AtSpiObject &root)
@@ -128,8 +111,9 @@ std::optional<AtSpiObject> AtSpiFocus::textIn(const AtSpiInquiry &inquiry, const
     const auto last = remembered.constFind(root.bus);
     const bool isTold = last != remembered.cend();
     std::vector<AtSpiObject> focused;
-    if (!isTold || AtSpiTree::canSearch(inquiry, root))
-        focused = AtSpiTree::focusedObjects(inquiry, root);
+    const bool search = AtSpiTree::canSearch(inquiry, root);
+    if (!isTold || search)
+        focused = AtSpiTree::focusedObjects(inquiry, root, search);
     if (focused.empty()) {
         if (!isTold)
             return std::nullopt;

@@ -15,17 +15,14 @@ struct FocusedText {
 //
 // A GTK program forgets its focus while a hot key is held down: the grab of the key takes the focus from its
 // window. So the last focus that a program told of, or that was found in it, is remembered, and stands when
-// the program names none.
+// the program names none. Programs are asked to tell of each move of the focus, the cheapest thing to listen
+// to: nothing comes while the user writes.
 class AtSpiFocus : public QObject {
     Q_OBJECT
 
 public:
     explicit AtSpiFocus(const QDBusConnection &bus);
     ~AtSpiFocus() override;
-
-    // Whether programs are to tell of each move of the focus. It is the cheapest thing to listen to: nothing
-    // comes while the user writes.
-    void setListening(bool wanted);
 
     // In the program with this process id. Where none has it, as with those whose id means something else
     // outside their sandbox, in the program that calls a window of its own active.
@@ -49,5 +46,4 @@ private:
     QDBusConnection connection;
     QHash<QString, Application> known;      // by bus name, until the bus says that the name is gone
     QHash<QString, AtSpiObject> remembered; // the focus, by bus name
-    bool listening = false;
 };

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int longestAnswer = 80; // milliseconds; a program that lives answers within one
+constexpr std::chrono::milliseconds longestAnswer(80); // a program that lives answers within one
 
 } // namespace
 
@@ -17,10 +17,17 @@ AtSpiInquiry::AtSpiInquiry(QDBusConnection bus, QDeadlineTimer limit, std::funct
 
 std::vector<QDBusMessage> AtSpiInquiry::ask(const std::vector<Question> &questions) const
 {
+    return ask(questions, longestAnswer);
+}
+
+std::vector<QDBusMessage> AtSpiInquiry::ask(const std::vector<Question> &questions,
+                                            std::chrono::milliseconds limit) const
+{
     std::vector<QDBusMessage> answers(questions.size());
     if (isOver())
         return answers;
-    const int patience = std::clamp(static_cast<int>(deadline.remainingTime()), 1, longestAnswer);
+    const int patience =
+        std::clamp(static_cast<int>(deadline.remainingTime()), 1, static_cast<int>(limit.count()));
     std::vector<QDBusPendingCall> calls;
     calls.reserve(questions.size());
     for (const Question &question : questions) {

@@ -7,6 +7,7 @@
 #include <QDeadlineTimer>
 #include <QRectF>
 #include <QVariant>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -30,8 +31,11 @@ public:
     // No more is asked: the time is up or nobody wants to know.
     [[nodiscard]] bool isOver() const { return deadline.hasExpired() || !wanted(); }
 
-    // Asks all at once and waits for all answers, in the order of the questions.
+    // Asks all at once and waits for all answers, in the order of the questions; for so long at most, where
+    // one program that hangs is not to use up the time of the others.
     [[nodiscard]] std::vector<QDBusMessage> ask(const std::vector<Question> &questions) const;
+    [[nodiscard]] std::vector<QDBusMessage> ask(const std::vector<Question> &questions,
+                                                std::chrono::milliseconds limit) const;
     [[nodiscard]] QDBusMessage ask(const Question &question) const;
 
     // The first argument of an answer: a value of the bus type `signature`.

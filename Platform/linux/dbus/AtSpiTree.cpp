@@ -9,6 +9,7 @@ namespace {
 
 constexpr size_t longestWalk = 150; // objects; a program without a search (Qt) has 3 to 16 on the way
 constexpr int deepestObject = 64;
+constexpr std::chrono::milliseconds surveyLimit(30); // for an answer, when every program is asked
 
 using Objects = std::vector<AtSpiObject>;
 
@@ -64,33 +65,54 @@ AtSpiObject parentOf(const AtSpiInquiry &inquiry, const AtSpiObject &object)
     return parent && parent->currentSignature() == u"(so)" ? qdbus_cast<AtSpiObject>(*parent) : AtSpiObject();
 }
 
-std::vector<QList<uint>> statesOf(const AtSpiInquiry &inquiry, const Objects &objects)
+std::vector<AtSpiInquiry::Question> toEach(const Objects &objects, const QString &method)
 {
     std::vector<AtSpiInquiry::Question> questions;
     questions.reserve(objects.size());
     for (const AtSpiObject &object : objects)
-        questions.push_back({object, AtSpi::accessible, QStringLiteral("GetState")});
+        questions.push_back({object, AtSpi::accessible, method});
+    return questions;
+}
+
+std::vector<QList<uint>> read(const std::vector<QDBusMessage> &stateAnswers)
+{
     std::vector<QList<uint>> states;
-    states.reserve(objects.size());
-    for (const QDBusMessage &answer : inquiry.ask(questions))
+    states.reserve(stateAnswers.size());
+    for (const QDBusMessage &answer : stateAnswers)
         states.push_back(AtSpiInquiry::read<QList<uint>>(answer, "au").value_or(QList<uint>()));
     return states;
 }
 
+std::vector<QList<uint>> statesOf(const AtSpiInquiry &inquiry, const Objects &objects)
+{
+    return read(inquiry.ask(toEach(objects, QStringLiteral("GetState"))));
+}
+
+void appendChildren(const QDBusMessage &answer, Objects &children)
+{
+    const auto some = AtSpiInquiry::read<QList<AtSpiObject>>(answer, "a(so)").value_or(QList<AtSpiObject>());
+    std::ranges::copy_if(some, std::back_inserter(children),
+                         [](const AtSpiObject &child) { return !child.isNull(); });
+}
+
 Objects childrenOf(const AtSpiInquiry &inquiry, const Objects &objects)
 {
-    std::vector<AtSpiInquiry::Question> questions;
-    questions.reserve(objects.size());
-    for (const AtSpiObject &object : objects)
-        questions.push_back({object, AtSpi::accessible, QStringLiteral("GetChildren")});
     Objects children;
-    for (const QDBusMessage &answer : inquiry.ask(questions)) {
-        const auto some =
-            AtSpiInquiry::read<QList<AtSpiObject>>(answer, "a(so)").value_or(QList<AtSpiObject>());
-        std::ranges::copy_if(some, std::back_inserter(children),
-                             [](const AtSpiObject &child) { return !child.isNull(); });
-    }
+    for (const QDBusMessage &answer : inquiry.ask(toEach(objects, QStringLiteral("GetChildren"))))
+        appendChildren(answer, children);
     return children;
+}
+
+Objects activeWindows(const AtSpiInquiry &inquiry, const AtSpiObject &root)
+{
+    const Objects windows = inquiry.childrenOf(root);
+    const auto states = statesOf(inquiry, windows);
+    Objects active;
+    for (size_t index = 0; index < windows.size(); ++index) {
+        if (AtSpi::hasState(states[index], AtSpi::stateActive))
+            active.push_back(windows[index]);
+    }
+    return active;
 }
 
 Objects walk(const AtSpiInquiry &inquiry, const AtSpiObject &root)
@@ -123,12 +145,12 @@ bool canSearch(const AtSpiInquiry &inquiry, const AtSpiObject &root)
 {
     const auto name = AtSpiInquiry::readProperty<QString>(
         inquiry.ask(AtSpiInquiry::propertyQuestion(root, AtSpi::accessible, QStringLiteral("Name"))));
-    return name != QLatin1String("soffice");
+    return name && name != QLatin1String("soffice"); // LibreOffice is slow to answer when it works
 }
 
-Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root)
+Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root, bool search)
 {
-    if (!canSearch(inquiry, root))
+    if (!search)
         return walk(inquiry, root);
     if (auto found = matches(inquiry, root))
         return *found;
@@ -137,14 +159,20 @@ Objects focusedObjects(const AtSpiInquiry &inquiry, const AtSpiObject &root)
     return walk(inquiry, root);
 }
 
-Objects activeWindows(const AtSpiInquiry &inquiry, const AtSpiObject &root)
+Objects activePrograms(const AtSpiInquiry &inquiry, const Objects &roots)
 {
-    const Objects windows = inquiry.childrenOf(root);
-    const auto states = statesOf(inquiry, windows);
+    Objects windows, owners; // each window's program
+    const auto answers = inquiry.ask(toEach(roots, QStringLiteral("GetChildren")), surveyLimit);
+    for (size_t index = 0; index < roots.size(); ++index) {
+        appendChildren(answers[index], windows);
+        owners.resize(windows.size(), roots[index]);
+    }
+    const auto states = read(inquiry.ask(toEach(windows, QStringLiteral("GetState")), surveyLimit));
     Objects active;
     for (size_t index = 0; index < windows.size(); ++index) {
-        if (AtSpi::hasState(states[index], AtSpi::stateActive))
-            active.push_back(windows[index]);
+        const bool isKnown = !active.empty() && active.back() == owners[index];
+        if (!isKnown && AtSpi::hasState(states[index], AtSpi::stateActive))
+            active.push_back(owners[index]);
     }
     return active;
 }

@@ -22,7 +22,8 @@ std::unique_ptr<InstanceBus> InstanceBus::connect(const QString &displayName)
 }
 
 InstanceBus::InstanceBus(const QDBusConnection &busConnection, const QString &displayName)
-    : connection(busConnection), name(sharedName + QStringLiteral(".display") + displayName)
+    : connection(busConnection), name(sharedName + QStringLiteral(".display") + displayName),
+      asked(displayName.isEmpty() ? sharedName : name)
 {
     // From the event loop, so that the caller has its answer before a panel is shown.
     const auto handle = [this](const QString &action) {
@@ -62,7 +63,7 @@ bool InstanceBus::claim()
 bool InstanceBus::ask(const QString &action)
 {
     auto message = QDBusMessage::createMethodCall(
-        name, objectPath, QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
+        asked, objectPath, QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
     message << action << QVariantList() << QVariantMap();
     message.setAutoStartService(false);
     return connection.call(message, QDBus::Block, instanceAnswerLimit).type() == QDBusMessage::ReplyMessage;

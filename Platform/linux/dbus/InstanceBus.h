@@ -22,5 +22,7 @@ private:
 
     QDBusConnection connection;
     QString name; // of the instance on this display
+    QString
+        asked; // from a terminal or a timer without a display: the instance that the desktop's calls reach
     QObject object;
 };

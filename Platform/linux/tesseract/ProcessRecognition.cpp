@@ -18,6 +18,9 @@ namespace {
 constexpr qsizetype mostLanguages = 3; // at once: each costs time on every image
 constexpr int crashesBeforeRest = 3;
 
+// Several questions come with each image. No longer, since data may grow in place: a copy or a download.
+constexpr std::chrono::seconds listingLife(1);
+
 } // namespace
 
 ProcessRecognition::ProcessRecognition(Settings given) : settings(std::move(given)) {}
@@ -43,9 +46,14 @@ QStringList ProcessRecognition::supportedLanguages()
 std::vector<DataLanguage> ProcessRecognition::usableLanguages()
 {
     const std::lock_guard lock(knowledge);
-    if (isCancelled || Clock::now() < restingUntil || !QFileInfo(settings.program).isExecutable())
+    const auto now = Clock::now();
+    if (isCancelled || now < restingUntil || !QFileInfo(settings.program).isExecutable())
         return {};
-    auto languages = languagesIn(settings.dataFolder);
+    if (now >= listedUntil) {
+        listed = languagesIn(settings.dataFolder);
+        listedUntil = now + listingLife;
+    }
+    auto languages = listed;
     std::erase_if(languages,
                   [this](const DataLanguage &language) { return leftOut.contains(fileMark(language.code)); });
     return languages;

@@ -64,5 +64,6 @@ private:
 
     std::mutex knowledge;  // guards what follows
     QSet<QString> leftOut; // marks of files that cannot be loaded
-    std::chrono::steady_clock::time_point restingUntil;
+    std::chrono::steady_clock::time_point restingUntil, listedUntil;
+    std::vector<DataLanguage> listed; // what the data folder held when it was looked at
 };

@@ -106,7 +106,7 @@ std::unique_ptr<RecognitionProcess> RecognitionProcess::start(const QString &pro
 }
 
 RecognitionProcess::RecognitionProcess(pid_t child, int socket, const std::atomic<bool> &isCancelled)
-    : pid(child), channel(socket), cancelled(isCancelled)
+    : pid(child), channel(socket), cancelled(isCancelled), reaper([this] { reap(); })
 {
 }
 
@@ -114,6 +114,7 @@ RecognitionProcess::~RecognitionProcess()
 {
     if (ended == End::none)
         finish(End::byItself, false);
+    reaper.join();
 }
 
 std::optional<bool> RecognitionProcess::load(const QString &dataFolder, const QStringList &codes)
@@ -176,11 +177,9 @@ void RecognitionProcess::finish(End reason, bool isSilent)
 {
     ended = reason;
     // One that hung up by itself is about to end; how it does tells a crash from an orderly end.
-    const bool isEnding = reason == End::crash && isSilent && reap(false);
-    if (!isEnding) {
-        ::kill(pid, SIGKILL);
-        (void)reap(true);
-    }
+    const bool isEnding = reason == End::crash && isSilent && awaitEnd();
+    if (!isEnding)
+        kill();
     if (reason != End::crash)
         return;
     if (isEnding && WIFEXITED(status) && WEXITSTATUS(status) == 0)
@@ -189,21 +188,35 @@ void RecognitionProcess::finish(End reason, bool isSilent)
         ended = End::tooLong;
 }
 
-// Whether it has ended: waits for as long as that takes after a kill, else for some
-// seconds, since ending too is done when nothing else wants to run.
-bool RecognitionProcess::reap(bool isKilled)
+// On the thread of its own. Looks first and reaps under the lock, so that nobody signals an id that is free
+// again.
+void RecognitionProcess::reap()
+{
+    siginfo_t how{};
+    while (::waitid(P_PID, static_cast<id_t>(pid), &how, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+    }
+    const std::lock_guard lock(mutex);
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) { // fails where somebody else has reaped it
+    }
+    isReaped = true;
+    changed.notify_all();
+}
+
+void RecognitionProcess::kill()
+{
+    std::unique_lock lock(mutex);
+    if (!isReaped)
+        ::kill(pid, SIGKILL);
+    changed.wait(lock, [this] { return isReaped; });
+}
+
+// Whether it ends by itself within some seconds, since ending too is done when nothing else wants to run.
+bool RecognitionProcess::awaitEnd()
 {
     constexpr auto patience = 10s;
     const auto end = Clock::now() + patience;
-    for (;;) {
-        const pid_t reaped = ::waitpid(pid, &status, isKilled ? 0 : WNOHANG);
-        if (reaped == pid)
-            return true;
-        if (reaped < 0 && errno != EINTR)
-            return true; // somebody else has reaped it
-        if (!isKilled && (cancelled || Clock::now() > end))
-            return false;
-        if (!isKilled)
-            ::poll(nullptr, 0, 5);
-    }
+    std::unique_lock lock(mutex);
+    while (!isReaped && !cancelled && Clock::now() < end)
+        changed.wait_for(lock, 50ms);
+    return isReaped;
 }

@@ -6,9 +6,12 @@
 #include <QStringList>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <sys/types.h>
+#include <thread>
 
 namespace RecognitionProtocol {
 struct ReadAnswer;
@@ -17,7 +20,8 @@ struct ReadAnswer;
 // One running recognition process, as its program sees it. Any one thread at a time.
 //
 // A process that dies, hangs or says what makes no sense is over: it has been ended and every question to it
-// is absent. Destroying this ends it.
+// is absent. Destroying this ends it. One that ends by itself, between two questions too, is reaped at once,
+// by a thread that waits for that.
 class RecognitionProcess {
 public:
     using Milliseconds = std::chrono::milliseconds;
@@ -53,11 +57,19 @@ private:
     [[nodiscard]] std::optional<Answer> ask(const QList<QByteArray> &frames, Milliseconds cpu);
     [[nodiscard]] Milliseconds cpuUsed() const;
     void finish(End reason, bool isSilent);
-    [[nodiscard]] bool reap(bool isKilled);
+    void reap();
+    void kill();
+    [[nodiscard]] bool awaitEnd();
 
     const pid_t pid;
     FrameChannel channel;
     const std::atomic<bool> &cancelled;
     End ended = End::none;
-    int status = 0; // of waitpid
+
+    std::mutex mutex; // guards what follows
+    std::condition_variable changed;
+    bool isReaped = false; // `pid` may be another process's from then on
+    int status = 0;        // of waitpid, once reaped
+
+    std::thread reaper; // last: runs on what stands above
 };

@@ -2,17 +2,12 @@
 
 #include <xcb/xfixes.h>
 
-namespace {
-
-// Who draws the first screen owns this selection.
-constexpr char compositorSelection[] = "_NET_WM_CM_S0";
-
-} // namespace
-
 CompositorWatch::CompositorWatch() : connection(XcbConnection::open())
 {
     if (!connection)
         return;
+    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(connection->screenNumber());
+    selection = connection->atom(name.constData());
     told = subscribe();
     present = ask();
     if (!told)
@@ -39,8 +34,7 @@ bool CompositorWatch::subscribe() const
         connection->raw(), xcb_xfixes_query_version(connection->raw(), 5, 0), nullptr));
     if (!version)
         return false;
-    xcb_xfixes_select_selection_input(connection->raw(), connection->root(),
-                                      connection->atom(compositorSelection),
+    xcb_xfixes_select_selection_input(connection->raw(), connection->root(), selection,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -55,7 +49,6 @@ bool CompositorWatch::isPresent() const
 bool CompositorWatch::ask() const
 {
     const XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection->raw(), xcb_get_selection_owner(connection->raw(), connection->atom(compositorSelection)),
-        nullptr));
+        connection->raw(), xcb_get_selection_owner(connection->raw(), selection), nullptr));
     return owner && owner->owner != XCB_WINDOW_NONE;
 }

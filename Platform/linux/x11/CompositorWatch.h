@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-// Whether a compositor draws the screen, so that windows can be translucent: it may come and go at any time.
-// Main thread.
+// Whether a compositor draws the screen of $DISPLAY, so that windows there can be translucent: it may come
+// and go at any time. Main thread.
 class CompositorWatch {
 public:
     CompositorWatch();
@@ -21,6 +21,7 @@ private:
     [[nodiscard]] bool subscribe() const;
 
     std::unique_ptr<XcbConnection> connection; // null without an X server
+    xcb_atom_t selection = XCB_ATOM_NONE;      // that who draws the screen owns
     bool told = false;                         // of changes, by XFixes
     bool present = false;
 };

@@ -77,7 +77,7 @@ void IncomingTransfer::advance(TimePoint now)
 
 QByteArray IncomingTransfer::takeBytes()
 {
-    return std::exchange(bytes, {});
+    return bytes.take();
 }
 
 void IncomingTransfer::takeAnswer(TimePoint now)
@@ -95,7 +95,7 @@ void IncomingTransfer::takeAnswer(TimePoint now)
         const qint64 announced =
             reply->format == 32 && length >= 4 ? *reinterpret_cast<const quint32 *>(data) : 0;
         if (announced <= question.maxBytes)
-            bytes.reserve(std::min(announced, maxReserved));
+            bytes.expect(std::min(announced, maxReserved));
         step = Step::receiving;
         due = now + chunkPatience;
         return;
@@ -106,7 +106,8 @@ void IncomingTransfer::takeAnswer(TimePoint now)
         finish(State::tooLarge, true, now);
         return;
     }
-    bytes = QByteArray(data, length);
+    bytes.expect(length);
+    bytes.append({data, length});
     finish(State::complete, true, now);
 }
 
@@ -123,17 +124,15 @@ void IncomingTransfer::takeChunk(TimePoint now)
     if (reply->bytes_after > 0 || length > room) {
         step = Step::draining;
         drained = bytes.size() + length + reply->bytes_after;
-        bytes = QByteArray();
+        bytes = GatheredBytes();
         if (reply->bytes_after > 0)
             xcb_delete_property(x.raw(), x.window(), property);
         return;
     }
     if (length > 0) {
-        bytes.append(static_cast<const char *>(xcb_get_property_value(reply.get())), length);
+        bytes.append({static_cast<const char *>(xcb_get_property_value(reply.get())), length});
         return;
     }
-    if (bytes.capacity() - bytes.size() > bytes.size() / 4)
-        bytes.squeeze();
     finish(State::complete, true, now);
 }
 
@@ -156,6 +155,6 @@ void IncomingTransfer::finish(State state, bool answered, TimePoint now)
 {
     current = state;
     if (state != State::complete)
-        bytes = QByteArray();
+        bytes = GatheredBytes();
     ring.giveBack(property, answered, now);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/linux/x11/GatheredBytes.h"
 #include "Platform/linux/x11/PasteboardConnection.h"
 #include "Platform/linux/x11/PropertyRing.h"
 
@@ -60,6 +61,6 @@ private:
     TimePoint due;
     xcb_atom_t answerType = XCB_ATOM_NONE;
     quint8 answerFormat = 8;
-    QByteArray bytes;
+    GatheredBytes bytes;
     qint64 drained = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "Platform/linux/x11/ShadowPicture.h"
 #include "Platform/linux/x11/WindowProperties.h"
+#include "Platform/linux/x11/XcbConnection.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -22,9 +23,17 @@ xcb_connection_t *qtConnection()
     return native ? native->connection() : nullptr;
 }
 
-xcb_screen_t *firstScreen(xcb_connection_t *connection)
+// The screen that the window is on; null when the server does not say.
+const xcb_screen_t *screenOf(xcb_connection_t *connection, xcb_window_t window)
 {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    const XcbReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; geometry && screens.rem > 0; xcb_screen_next(&screens)) {
+        if (screens.data->root == geometry->root)
+            return screens.data;
+    }
+    return nullptr;
 }
 
 xcb_visualid_t translucentVisual(const xcb_screen_t *screen)
@@ -162,8 +171,8 @@ void PanelShadow::hide()
 
 void PanelShadow::makeWindow(xcb_connection_t *connection)
 {
-    const xcb_screen_t *screen = firstScreen(connection);
-    const xcb_visualid_t visual = translucentVisual(screen);
+    const xcb_screen_t *screen = screenOf(connection, static_cast<xcb_window_t>(panel->winId()));
+    const xcb_visualid_t visual = screen ? translucentVisual(screen) : 0;
     if (visual == 0)
         return;
     const xcb_colormap_t colours = xcb_generate_id(connection);

@@ -4,6 +4,7 @@
 #include "Platform/linux/x11/WindowProperties.h"
 
 #include <algorithm>
+#include <sys/socket.h>
 #include <xcb/xfixes.h>
 
 std::unique_ptr<PasteboardConnection> PasteboardConnection::open()
@@ -49,6 +50,11 @@ bool PasteboardConnection::prepare(int screen)
     const auto atoms = internAtoms(connection, names);
     known = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4],  atoms[5],
              atoms[6], atoms[7], atoms[8], atoms[9], atoms[10], atoms[11]};
+
+    // A chunk goes out in a few writes then, where it took a turn of the X server for each 200 KiB. Less
+    // where the system allows less.
+    const int sendBuffer = 1024 * 1024;
+    setsockopt(fileDescriptor(), SOL_SOCKET, SO_SNDBUF, &sendBuffer, sizeof(sendBuffer));
 
     ownWindow = xcb_generate_id(connection);
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;

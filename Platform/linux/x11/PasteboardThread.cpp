@@ -243,8 +243,10 @@ void PasteboardThread::handle(const xcb_generic_event_t &event, TimePoint now)
 void PasteboardThread::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
 {
     if (request.selection != x->atoms().clipboardManager || request.target != x->atoms().saveTargets) {
-        if (server.handleRequest(request, now) && request.selection == x->atoms().clipboard)
-            watch.noticeServed(request.target, now);
+        for (const xcb_atom_t target : server.handleRequest(request, now)) {
+            if (request.selection == x->atoms().clipboard)
+                watch.noticeServed(target, now);
+        }
         return;
     }
     const auto wanted =

@@ -44,18 +44,20 @@ void SelectionServer::withdraw(xcb_atom_t selection)
     offers_.erase(selection);
 }
 
-bool SelectionServer::handleRequest(const xcb_selection_request_event_t &request, TimePoint now)
+std::vector<xcb_atom_t> SelectionServer::handleRequest(const xcb_selection_request_event_t &request,
+                                                       TimePoint now)
 {
     // Programs of the oldest kind name no property: the answer goes into one named like the target.
     const xcb_atom_t property = request.property != XCB_ATOM_NONE ? request.property : request.target;
     const auto found = offers_.find(request.selection);
+    std::vector<xcb_atom_t> given;
     bool answered = false;
     if (found != offers_.end()) {
         const bool tooEarly = request.time != XCB_CURRENT_TIME && isBefore(request.time, found->second.time);
-        answered = !tooEarly && answer(found->second, request, property, now);
+        answered = !tooEarly && answer(found->second, request, property, now, given);
     }
     notify(request, answered ? property : xcb_atom_t(XCB_ATOM_NONE));
-    return answered;
+    return given;
 }
 
 void SelectionServer::answerSave(const xcb_selection_request_event_t &request, bool kept)
@@ -89,7 +91,7 @@ void SelectionServer::handleClear(const xcb_generic_event_t &event)
 }
 
 bool SelectionServer::answer(Offer &offer, const xcb_selection_request_event_t &request, xcb_atom_t property,
-                             TimePoint now)
+                             TimePoint now, std::vector<xcb_atom_t> &given)
 {
     const auto &atoms = x.atoms();
     const Key key(request.requestor, property);
@@ -100,18 +102,19 @@ bool SelectionServer::answer(Offer &offer, const xcb_selection_request_event_t &
     if (request.target == atoms.saveTargets && request.selection != atoms.clipboardManager)
         return send(key, atoms.null, 32, {}, now);
     if (request.target == atoms.multiple)
-        return request.property != XCB_ATOM_NONE && answerMultiple(offer, request, property, now);
+        return request.property != XCB_ATOM_NONE && answerMultiple(offer, request, property, now, given);
     const auto form = std::find_if(offer.forms.begin(), offer.forms.end(),
                                    [&](const Form &each) { return each.target == request.target; });
     if (form == offer.forms.end())
         return false;
     form->content.convert(); // once: all transfers share the bytes
+    given.push_back(form->target);
     return send(key, form->type, form->content.format, form->content.bytes, now);
 }
 
 // The property holds pairs of target and property; where a target is refused, its property becomes None.
 bool SelectionServer::answerMultiple(Offer &offer, const xcb_selection_request_event_t &request,
-                                     xcb_atom_t property, TimePoint now)
+                                     xcb_atom_t property, TimePoint now, std::vector<xcb_atom_t> &given)
 {
     auto pairs = readUnits(x.raw(), request.requestor, property, x.atoms().atomPair, maxMultiplePairs * 2);
     if (pairs.size() < 2)
@@ -120,7 +123,7 @@ bool SelectionServer::answerMultiple(Offer &offer, const xcb_selection_request_e
         xcb_selection_request_event_t single = request;
         single.target = pairs[i];
         const bool nested = single.target == x.atoms().multiple || pairs[i + 1] == property;
-        if (nested || pairs[i + 1] == XCB_ATOM_NONE || !answer(offer, single, pairs[i + 1], now))
+        if (nested || pairs[i + 1] == XCB_ATOM_NONE || !answer(offer, single, pairs[i + 1], now, given))
             pairs[i + 1] = XCB_ATOM_NONE;
     }
     write({request.requestor, property}, x.atoms().atomPair, 32, bytesOf(pairs));
@@ -183,7 +186,8 @@ void SelectionServer::handleProperty(const xcb_property_notify_event_t &event, T
     if (event.state != XCB_PROPERTY_DELETE || found == transfers.end())
         return;
     Transfer &transfer = found->second;
-    const qsizetype limit = std::min(maxChunkBytes, x.maxPropertyBytes() / 16) & ~qsizetype(3);
+    // Small where requests are; a sixteenth of the usual 16 MiB would fall short of 1 MiB by its header.
+    const qsizetype limit = std::min(maxChunkBytes, x.maxPropertyBytes() / 8) & ~qsizetype(3);
     const qsizetype length = std::min(limit, transfer.bytes.size() - transfer.sent);
     write(key, transfer.type, transfer.format, QByteArrayView(transfer.bytes).sliced(transfer.sent, length));
     transfer.sent += length;

@@ -18,8 +18,9 @@ public:
     void withdraw(xcb_atom_t selection);
     [[nodiscard]] bool offers(xcb_atom_t selection) const { return offers_.contains(selection); }
 
-    // False when it was refused.
-    bool handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
+    // The targets whose content it gave: none when it was refused, several where several were asked for at
+    // once.
+    std::vector<xcb_atom_t> handleRequest(const xcb_selection_request_event_t &request, TimePoint now);
     // Tells a program that wanted its content saved whether it is.
     void answerSave(const xcb_selection_request_event_t &request, bool kept);
     // Another program took a selection.
@@ -54,10 +55,11 @@ private:
     };
     using Key = std::pair<xcb_window_t, xcb_atom_t>;
 
+    // Both add to the targets given.
     [[nodiscard]] bool answer(Offer &offer, const xcb_selection_request_event_t &request, xcb_atom_t property,
-                              TimePoint now);
+                              TimePoint now, std::vector<xcb_atom_t> &given);
     [[nodiscard]] bool answerMultiple(Offer &offer, const xcb_selection_request_event_t &request,
-                                      xcb_atom_t property, TimePoint now);
+                                      xcb_atom_t property, TimePoint now, std::vector<xcb_atom_t> &given);
     [[nodiscard]] bool send(const Key &key, xcb_atom_t type, uint8_t format, const QByteArray &bytes,
                             TimePoint now);
     void makeRoom(xcb_window_t requestor);

@@ -54,8 +54,9 @@ std::optional<QByteArray> utf8FromCharset(const QByteArray &bytes, const QByteAr
 
 bool fitsLatin1(const QByteArray &utf8)
 {
-    // U+00FF is 0xC3 0xBF: a higher lead byte begins a character beyond Latin-1.
-    return !hasByteFrom<0xC4>(utf8) && QUtf8StringView(utf8).isValidUtf8();
+    // U+00FF is 0xC3 0xBF: a higher lead byte begins a character beyond Latin-1. Most large texts are ASCII,
+    // and whoever asks for one waits for the answer.
+    return isAscii(utf8) || (!hasByteFrom<0xC4>(utf8) && QUtf8StringView(utf8).isValidUtf8());
 }
 
 QByteArray latin1FromUtf8(const QByteArray &utf8)

@@ -13,8 +13,12 @@ using Kind = ReadRequest::Kind;
 
 // Conversions that change something at the owner, or give what is worthless outside of it.
 constexpr std::array neverConverted = {"GTK_TEXT_BUFFER_CONTENTS", "application/x-gtk-text-buffer-rich-text"};
-constexpr std::array neverConvertedParts = {"x-openoffice-link", "x-openoffice-objectdescriptor",
-                                            "x-libreoffice-internal-id-"};
+constexpr std::array neverConvertedParts = {"x-openoffice-link", "x-libreoffice-internal-id-"};
+
+// LibreOffice's document, and what says which program's it is. That stands in the parameters of the target's
+// name, beside the document's address; without it Calc takes no document, only the values of its cells.
+constexpr char officeDocument[] = "x-openoffice-embed-source-xml";
+constexpr char officeDescriptor[] = "x-openoffice-objectdescriptor-xml";
 
 // Whether files are to be moved or copied, best first: the last says no more than that. pcmanfm lets go of
 // the selection when it is asked, which its reader has to undo.
@@ -121,7 +125,7 @@ Kind kindOfSingle(const QByteArray &target)
         return Kind::files;
     if (target == "text/html")
         return Kind::html;
-    if (target.contains("x-openoffice-embed-source-xml"))
+    if (target.contains(officeDocument) || target.contains(officeDescriptor))
         return Kind::document;
     if (target == "image/gif")
         return Kind::picture;
@@ -219,7 +223,8 @@ bool ReadPlan::offers(ReadRequest::Kind kind) const
 
 bool isNeverConverted(const QByteArray &target)
 {
-    if (target.isEmpty() || target.size() > maxTargetNameLength || !QUtf8StringView(target).isValidUtf8())
+    const auto longest = target.contains(officeDescriptor) ? maxDescriptorLength : maxTargetNameLength;
+    if (target.isEmpty() || target.size() > longest || !QUtf8StringView(target).isValidUtf8())
         return true;
     if (target == "UTF8_STRING" || target == "STRING" || target == "TEXT")
         return false;

@@ -40,8 +40,10 @@ struct ReadPlan {
     [[nodiscard]] bool offers(ReadRequest::Kind kind) const;
 };
 
-// The longest target name that is taken over; longer ones carry data in the name.
+// The longest target name that is taken over; longer ones carry data in the name. LibreOffice describes its
+// documents so, address included, which are worth nothing to Calc without.
 inline constexpr qsizetype maxTargetNameLength = 256;
+inline constexpr qsizetype maxDescriptorLength = 4096;
 
 [[nodiscard]] ReadPlan planFor(const std::vector<QByteArray> &targets);
 

@@ -13,13 +13,14 @@ std::unique_ptr<XcbConnection> XcbConnection::open()
         return nullptr;
     }
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(opened));
-    for (; screens.rem > 1 && preferredScreen > 0; --preferredScreen)
+    int number = 0;
+    for (; screens.rem > 1 && number < preferredScreen; ++number)
         xcb_screen_next(&screens);
-    return std::unique_ptr<XcbConnection>(new XcbConnection(opened, screens.data));
+    return std::unique_ptr<XcbConnection>(new XcbConnection(opened, screens.data, number));
 }
 
-XcbConnection::XcbConnection(xcb_connection_t *opened, xcb_screen_t *defaultScreen)
-    : connection(opened), screen(defaultScreen)
+XcbConnection::XcbConnection(xcb_connection_t *opened, xcb_screen_t *defaultScreen, int screenNumber)
+    : connection(opened), screen(defaultScreen), number(screenNumber)
 {
 }
 

@@ -24,7 +24,7 @@ using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 // A lost server leaves it in place: requests go nowhere and replies are null.
 class XcbConnection {
 public:
-    // To the server of $DISPLAY. Null when there is none.
+    // To the server of $DISPLAY, and the screen that it names. Null when there is none.
     [[nodiscard]] static std::unique_ptr<XcbConnection> open();
     ~XcbConnection();
     XcbConnection(const XcbConnection &) = delete;
@@ -32,6 +32,7 @@ public:
 
     [[nodiscard]] xcb_connection_t *raw() const { return connection; }
     [[nodiscard]] xcb_window_t root() const { return screen->root; }
+    [[nodiscard]] int screenNumber() const { return number; }
     [[nodiscard]] const xcb_setup_t &setup() const { return *xcb_get_setup(connection); }
 
     // The atom of a name, created if need be. One round trip the first time.
@@ -47,11 +48,12 @@ public:
     void flush() const { xcb_flush(connection); }
 
 private:
-    XcbConnection(xcb_connection_t *opened, xcb_screen_t *defaultScreen);
+    XcbConnection(xcb_connection_t *opened, xcb_screen_t *defaultScreen, int screenNumber);
     void deliver(xcb_generic_event_t *(*next)(xcb_connection_t *));
 
     xcb_connection_t *connection;
     xcb_screen_t *screen;
+    int number; // of the screen
     mutable QHash<QByteArray, xcb_atom_t> atoms;
     std::function<void(const xcb_generic_event_t &)> handler;
     std::unique_ptr<QSocketNotifier> notifier;

@@ -18,10 +18,10 @@ using namespace Qt::StringLiterals;
 
 constexpr QRect windowArea(100, 50, 600, 400);
 
-std::unique_ptr<AtSpiCaret> makeService()
+std::unique_ptr<AtSpiCaret> makeService(qint64 pid = QCoreApplication::applicationPid())
 {
-    auto service = std::make_unique<AtSpiCaret>([] {
-        return std::optional(CaretWindow{QCoreApplication::applicationPid(), windowArea});
+    auto service = std::make_unique<AtSpiCaret>([pid] {
+        return std::optional(CaretWindow{pid, windowArea});
     });
     service->setCaretWanted(true);
     return service;
@@ -31,6 +31,30 @@ bool waitForBus(const Accessibility &service, bool wanted = true)
 {
     return QTest::qWaitFor([&] { return service.caretAvailable() == wanted; }, 10000);
 }
+
+// A program on the bus that is stopped: what it is asked stays without an answer.
+class StoppedProgram : public QDBusVirtualObject {
+public:
+    explicit StoppedProgram(const QString &name)
+        : connection(QDBusConnection::connectToBus(qEnvironmentVariable("AT_SPI_BUS_ADDRESS"), name))
+    {
+        connection.registerVirtualObject(u"/org/a11y"_s, this, QDBusConnection::SubPath);
+    }
+    ~StoppedProgram() override { QDBusConnection::disconnectFromBus(connection.name()); }
+
+    [[nodiscard]] AtSpiObject root() const
+    {
+        return {connection.baseService(), QDBusObjectPath(AtSpi::rootPath)};
+    }
+    QString introspect(const QString & /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage & /*message*/, const QDBusConnection & /*from*/) override
+    {
+        return true;
+    }
+
+private:
+    QDBusConnection connection;
+};
 
 // A program with one window and one text that has the focus, as a toolkit with a search has it.
 class ScriptedCaret : public ::testing::Test {
@@ -256,6 +280,10 @@ TEST_F(ScriptedCaret, OfAnOfficeProgramIsFoundWithoutASearchOfItsCells)
     program->set(u"sheet"_s, AtSpi::accessible, u"GetChildren"_s, hang);
     EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
     EXPECT_TRUE(moveFocusToButton());
+    // It may be busy when it is asked who it is.
+    program->set(u"program"_s, AtSpi::accessible, u"Name"_s,
+                 [](const QVariantList &) { return std::optional<QVariantList>(); });
+    EXPECT_TRUE(askForCaret(*service).came);
     EXPECT_EQ(hangs, 0);
 }
 
@@ -274,6 +302,31 @@ TEST_F(ScriptedCaret, NoAnswerComesToARequestThatWasDropped)
     service->cancel();
     EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18))) << "a later request goes on";
     EXPECT_EQ(dropped, 0);
+}
+
+// Whose window is in front cannot be told by the process id of a program in a sandbox: all are asked.
+TEST_F(ScriptedCaret, OfTheActiveProgramIsFoundBesideStoppedOnes)
+{
+    const StoppedProgram one(u"one"_s), other(u"other"_s);
+    program->set(
+        u"root"_s, AtSpi::accessible, u"GetChildren"_s,
+        QVariantList{QVariant::fromValue(QList{one.root(), program->object(u"program"_s), other.root()})});
+    program->setStates(u"window"_s, {AtSpi::stateActive});
+    service = makeService(0);
+    ASSERT_TRUE(waitForBus(*service));
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
+    program->setStates(u"window"_s, {});
+    EXPECT_EQ(caret(), std::nullopt);
+}
+
+TEST_F(ScriptedCaret, IsThereWhileItIsWanted)
+{
+    service->setCaretWanted(false);
+    ASSERT_TRUE(waitForBus(*service, false));
+    EXPECT_EQ(caret(), std::nullopt);
+    service->setCaretWanted(true);
+    ASSERT_TRUE(waitForBus(*service));
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18)));
 }
 
 TEST_F(ScriptedCaret, IsAbsentInTimeWhileTheBusHangsAndTheMainThreadGoesOn)

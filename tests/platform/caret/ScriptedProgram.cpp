@@ -83,6 +83,8 @@ ScriptedProgram::ScriptedProgram()
     moveToThread(&thread);
     thread.start();
     setChildren(QStringLiteral("root"), {QStringLiteral("program")}); // the registry's
+    setProperty(QStringLiteral("program"), AtSpi::accessible, QStringLiteral("Name"),
+                QStringLiteral("script"));
 }
 
 ScriptedProgram::~ScriptedProgram()

@@ -66,4 +66,19 @@ TEST(LinuxPlatform, AMissingHomeIsTheUsersOwn)
     }
 }
 
+TEST(LinuxPlatform, ADisplayThatIsMissingIsNamed)
+{
+    QString problem;
+    EXPECT_TRUE(reachDisplay(problem));
+    const Variable display("DISPLAY");
+    for (const char *missing : {":64999", "nonsense"}) {
+        display.set(missing);
+        EXPECT_FALSE(reachDisplay(problem));
+        EXPECT_TRUE(problem.contains(QLatin1String(missing))) << problem.toStdString();
+    }
+    display.set({});
+    EXPECT_FALSE(reachDisplay(problem));
+    EXPECT_TRUE(problem.contains(u"DISPLAY is not set")) << problem.toStdString();
+}
+
 } // namespace

@@ -290,6 +290,18 @@ TEST_F(LetGoTest, FilesThatWereCopiedAreNotHeldAgainstTheirOwnersWill)
     EXPECT_EQ(pasteboard->changeCount(), before + 2);
 }
 
+TEST_F(LetGoTest, ACutThatIsPastedTogetherWithOtherFormsIsPastedOnceToo)
+{
+    copyAndLetGo("cut\nfile:///a");
+    ASSERT_TRUE(left("text/uri-list"));
+    EXPECT_TRUE(await([&] {
+        requestor.put("PAIRS", "ATOM_PAIR", 32,
+                      bytesOf({requestor.atom("x-special/gnome-copied-files"), requestor.atom("ONE")}));
+        requestor.ask("MULTIPLE", "PAIRS");
+        return requestor.awaitNotify() && items().empty();
+    }));
+}
+
 TEST_F(KeepTest, APictureThatIsStillOnItsWayFollowsWhatWasTakenOver)
 {
     const QByteArray bitmap = encoded(filledImage(800, 800, Qt::darkGreen), "bmp");

@@ -288,7 +288,7 @@ TEST_F(ReadTest, ALargeSheetCostsItsProgramTwoSecondsAtMostAndNoPicture)
         {"text/html", 17'000'000, 610},
         {"text/plain;charset=utf-16", 7'200'000, 70},
         {"application/x-openoffice-objectdescriptor-xml;windows_formatname=\"Star Object Descriptor (XML)\"",
-         200, 600},
+         200, 3},
         {"application/x-openoffice-gdimetafile;windows_formatname=\"GDIMetaFile\"", 30'000, 100},
         {"application/x-openoffice-wmf;windows_formatname=\"Image WMF\"", 30'000, 100},
         {"image/png", 0, 2270},

@@ -21,6 +21,9 @@ Names asked(const Names &targets)
 
 const QByteArray embedSource =
     "application/x-openoffice-embed-source-xml;windows_formatname=\"Star Embed Source (XML)\"";
+// As long as a document deep in folders makes it.
+const QByteArray descriptor =
+    "application/x-openoffice-objectdescriptor-xml;displayname=\"file:///" + QByteArray(1000, 'd') + "\"";
 
 } // namespace
 
@@ -49,11 +52,11 @@ TEST(TypeTableTest, OwnersOfEveryKindAreAskedForWhatTheyAreGoodFor)
          {"image/png|image/tiff|image/bmp|image/x-icon", "image/x-xcf"}},
         {"Writer",
          {embedSource, "text/rtf", "text/richtext", "text/html", "text/plain;charset=utf-16",
-          "application/x-openoffice-link;windows_formatname=\"Link\"",
-          "application/x-openoffice-objectdescriptor-xml;displayname=secret", "UTF8_STRING",
+          "application/x-openoffice-link;windows_formatname=\"Link\"", descriptor, "UTF8_STRING",
           "application/x-openoffice-bitmap;windows_formatname=\"Bitmap\"",
           "application/x-libreoffice-internal-id-4711"},
-         {"UTF8_STRING|text/plain;charset=utf-16", "text/html", "text/rtf|text/richtext", embedSource}},
+         {"UTF8_STRING|text/plain;charset=utf-16", "text/html", "text/rtf|text/richtext", embedSource,
+          descriptor}},
         {"Chromium",
          {"chromium/x-source-url", "text/html", "STRING", "UTF8_STRING"},
          {"UTF8_STRING|STRING", "text/html", "chromium/x-source-url"}},
@@ -78,6 +81,7 @@ TEST(TypeTableTest, WhatChangesItsOwnerIsNeverConverted)
           "application/x-libreoffice-internal-id-1", "HOSTNAME", "ATOM", "_VT_SELECTION", ""})
         EXPECT_TRUE(isNeverConverted(name)) << name;
     EXPECT_TRUE(isNeverConverted("x/" + QByteArray(maxTargetNameLength, 'a')));
+    EXPECT_TRUE(isNeverConverted(descriptor + QByteArray(maxDescriptorLength, 'd')));
     EXPECT_TRUE(isNeverConverted("text/\xFF"));
     for (const char *name : {"UTF8_STRING", "STRING", "TEXT", "text/plain", "chromium/x-source-url"})
         EXPECT_FALSE(isNeverConverted(name)) << name;
@@ -93,15 +97,16 @@ TEST(TypeTableTest, CharsetsAreFoundInAnyCase)
 
 TEST(TypeTableTest, TypesGoOutUnderTheTargetsTheyCameFrom)
 {
-    const std::pair<const char *, Names> cases[] = {
+    const std::pair<QByteArray, Names> cases[] = {
         {"public.rtf", {"text/rtf", "application/rtf", "text/richtext"}},
         {"public.heic", {"image/heic"}},
         {"com.compuserve.gif", {"image/gif"}},
         {"image/x-xcf", {"image/x-xcf"}},
+        {descriptor, {descriptor}},
         {"DELETE", {}},
         {"TARGETS", {}},
         {"x-special/gnome-copied-files", {}},
     };
     for (const auto &[type, targets] : cases)
-        EXPECT_EQ(targetsOf(QLatin1String(type)), targets) << type;
+        EXPECT_EQ(targetsOf(QString::fromUtf8(type)), targets) << type.constData();
 }

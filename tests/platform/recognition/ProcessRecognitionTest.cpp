@@ -9,8 +9,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtEndian>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -72,7 +74,7 @@ TEST_F(ProcessRecognitionTest, WhateverAnImageDoesCostsThatImageOnly)
                  Case{Qt::red, u"it took too long"}, // does not
                  Case{Qt::blue, u"signal 6"},        // aborts
                  Case{Qt::green, u"signal 9"},       // is killed
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
                  Case{Qt::black, u"signal 6"}, // wants 2 GB
 #endif
                  Case{Qt::magenta, u"signal 9"}, // speaks another protocol, and is ended
@@ -86,6 +88,22 @@ TEST_F(ProcessRecognitionTest, WhateverAnImageDoesCostsThatImageOnly)
         EXPECT_EQ(service.supportedLanguages(), QStringList({u"en"_s, u"it"_s}));
     }
     EXPECT_EQ(log.text(), "");
+}
+
+TEST_F(ProcessRecognitionTest, AProcessThatEndsWhileNothingIsAskedIsReapedAndFollowedByAnother)
+{
+    ProcessRecognition service(settings());
+    ASSERT_EQ(read(service, Qt::white, {u"it"_s}), u"ita");
+    const auto children = [] {
+        QFile file(u"/proc/self/task/%1/children"_s.arg(::gettid()));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : "unknown"_ba;
+    };
+    const pid_t process = children().toInt();
+    ASSERT_GT(process, 0) << children().constData();
+    ::kill(process, SIGTERM);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return children().isEmpty(); }, 20000));
+    EXPECT_TRUE(read(service, Qt::white, {u"it"_s}).contains(u"signal 15"_s));
+    EXPECT_EQ(read(service, Qt::white, {u"it"_s}), u"ita");
 }
 
 TEST_F(ProcessRecognitionTest, CrashesInARowAreFollowedByARest)
