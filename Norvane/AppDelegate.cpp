@@ -183,10 +183,11 @@ void AppDelegate::watchPreferences()
 
 void AppDelegate::handleCapture(const CapturedClip &capture)
 {
-    store->add(capture);
-    store->trim(prefs.maxItems(), prefs.retentionDays());
-    if (capture.kind == ClipKind::image)
-        recognizer->kick();
+    store->addLater(capture, [this, isImage = capture.kind == ClipKind::image] {
+        store->trim(prefs.maxItems(), prefs.retentionDays());
+        if (isImage)
+            recognizer->kick();
+    });
 }
 
 void AppDelegate::showPopup()
@@ -199,10 +200,13 @@ void AppDelegate::showPopup()
     showing.start();
     askForCaret();
     monitor->whenCaughtUp([guard = QPointer(this), number] {
-        if (!guard || guard->opening.number != number)
-            return;
-        guard->opening.caughtUp = true;
-        guard->showWhenReady();
+        if (guard)
+            guard->store->whenWritten([guard, number] {
+                if (!guard || guard->opening.number != number)
+                    return;
+                guard->opening.caughtUp = true;
+                guard->showWhenReady();
+            });
     });
 }
 

@@ -10,7 +10,6 @@
 
 #include <QCoreApplication>
 #include <QLabel>
-#include <QPointer>
 #include <QTextLayout>
 #include <QThreadPool>
 
@@ -21,6 +20,7 @@ namespace {
 constexpr qsizetype charactersShown = 50000;
 constexpr qsizetype unitsShown = 16 * charactersShown; // some texts are one character with endless marks
 constexpr qint64 largeImage = 1'000'000;               // pixels: above, decoding takes longer than a frame
+constexpr qint64 largeFile = 1 << 20;                  // bytes: above, reading takes longer than 3 ms
 constexpr qreal imageInset = 8, imageTextGap = 6, infoGap = 6, infoInset = 10, infoBottom = 4,
                 imageShare = 0.55;
 constexpr int infoLines = 3;      // at most
@@ -28,7 +28,8 @@ constexpr int longestSide = 4096; // of a decoded preview, pixels
 
 bool isLarge(const Clip &clip)
 {
-    return clip.pixelSize.width() * clip.pixelSize.height() > largeImage || clip.pixelSize.isEmpty();
+    return clip.pixelSize.width() * clip.pixelSize.height() > largeImage || clip.pixelSize.isEmpty() ||
+           clip.size > largeFile;
 }
 
 QString lineCountText(const QString &text)
@@ -92,12 +93,12 @@ QString PreviewPane::information() const
     return info;
 }
 
-void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
+void PreviewPane::show(const ClipPointer &clip, ClipStore &store)
 {
     if (!clip) {
         shownClip.reset();
         shownRevision = 0;
-        ++*generation;
+        pictures.drop();
         info.clear();
         arrange(Arrangement::nothing);
         return;
@@ -111,7 +112,7 @@ void PreviewPane::show(const ClipPointer &clip, const ClipStore &store)
     shownRevision = clip->revision;
     promisesText = promises;
     if (!isSameClip) {
-        ++*generation;
+        pictures.drop();
         if (isImage)
             loadImage(*clip, store); // no revision changes it
     }
@@ -142,31 +143,42 @@ QStringList PreviewPane::showImage(const Clip &clip)
     return parts;
 }
 
-void PreviewPane::loadImage(const Clip &clip, const ClipStore &store)
+void PreviewPane::loadImage(const Clip &clip, ClipStore &store)
 {
     imageView->setImage(clip.thumbnail());
-    const auto bytes = clip.imageData(store);
-    if (!bytes)
-        return;
     if (!isLarge(clip)) {
-        if (const QImage image = decodedPicture(*bytes, longestSide); !image.isNull())
+        const auto bytes = clip.imageData(store);
+        if (const QImage image = bytes ? decodedPicture(*bytes, longestSide) : QImage(); !image.isNull())
             imageView->setImage(image);
         return;
     }
-    QThreadPool::globalInstance()->start(
-        [bytes = *bytes, pane = QPointer(this), wanted = generation->load(), current = generation] {
-            if (*current != wanted)
+    store.read(clip,
+               [this, isNewest = pictures.next()](const StoredFormats &formats) -> std::function<void()> {
+                   const auto bytes = isNewest() ? formats.first(imageTypes) : std::nullopt;
+                   if (!bytes)
+                       return {};
+                   return [this, isNewest, bytes] {
+                       if (isNewest())
+                           decode(*bytes, isNewest);
+                   };
+               });
+}
+
+// Not where it was read: a choice may wait there.
+void PreviewPane::decode(const QByteArray &bytes, const std::function<bool()> &isNewest)
+{
+    QThreadPool::globalInstance()->start([this, bytes, isNewest, room = imageView->room()] {
+        const QImage image = isNewest() ? decodedPicture(bytes, longestSide) : QImage();
+        if (image.isNull())
+            return;
+        const QImage fitted = PreviewImage::fitted(image, room);
+        QMetaObject::invokeMethod(qApp, [this, image, fitted, isNewest] {
+            if (!isNewest())
                 return;
-            const QImage image = decodedPicture(bytes, longestSide);
-            if (image.isNull())
-                return;
-            QMetaObject::invokeMethod(qApp, [image, pane, wanted, current] {
-                if (!pane || *current != wanted)
-                    return;
-                pane->imageView->setImage(image);
-                Q_EMIT pane->pictureArrived();
-            });
+            imageView->setImage(image, fitted);
+            Q_EMIT pictureArrived();
         });
+    });
 }
 
 QStringList PreviewPane::showText(const Clip &clip)

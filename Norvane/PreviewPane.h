@@ -1,10 +1,11 @@
 #pragma once
 
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/NewestRequest.h"
 
 #include <QPlainTextEdit>
 #include <QWidget>
-#include <atomic>
+#include <functional>
 #include <memory>
 
 class ClipStore;
@@ -41,21 +42,28 @@ class PreviewImage : public QWidget {
 public:
     explicit PreviewImage(QWidget *parent);
 
-    void setImage(const QImage &image);
+    // `ready`: the image as fitted() makes it for the room that there is, to spare the next frame that.
+    void setImage(const QImage &image, const QImage &ready = {});
     [[nodiscard]] const QImage &image() const { return image_; }
+
+    // In pixels of the screen.
+    [[nodiscard]] QSize room() const { return size() * devicePixelRatioF(); }
+    // Tens of milliseconds for a large one. Any thread.
+    [[nodiscard]] static QImage fitted(const QImage &image, const QSize &room);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QImage image_;
-    QPixmap scaledImage;
+    QPixmap scaledImage; // in pixels of the screen
 };
 
 // The selected clip in full beside the list: its text (styled text plain so far) or image, or both, and a
 // line about it. Main thread.
 //
-// Large images are decoded on a worker; what arrives for a clip that is not shown any more is dropped.
+// Large images are read and decoded on workers; what arrives for a clip that is not shown any more is
+// dropped.
 class PreviewPane : public QWidget {
     Q_OBJECT
 
@@ -67,7 +75,7 @@ public:
     void setReadsImages(bool reads) { readsImages = reads; }
 
     // Null clears the pane. A clip of which nothing has changed keeps its scroll position.
-    void show(const ClipPointer &clip, const ClipStore &store);
+    void show(const ClipPointer &clip, ClipStore &store);
 
     [[nodiscard]] QString information() const;
     [[nodiscard]] PreviewText &text() { return *textView; }
@@ -85,7 +93,8 @@ private:
 
     QStringList showImage(const Clip &clip);
     QStringList showText(const Clip &clip);
-    void loadImage(const Clip &clip, const ClipStore &store);
+    void loadImage(const Clip &clip, ClipStore &store);
+    void decode(const QByteArray &bytes, const std::function<bool()> &isNewest);
     void arrange(Arrangement chosen);
     void placeViews();
     void applyColours();
@@ -101,6 +110,5 @@ private:
     bool promisesText = false; // of the image that is shown
     std::weak_ptr<Clip> shownClip;
     qint64 shownRevision = 0;
-    // Of the clip that is shown: the worker leaves out images of others.
-    std::shared_ptr<std::atomic<qint64>> generation = std::make_shared<std::atomic<qint64>>(0);
+    NewestRequest pictures; // the newest is of the clip that is shown
 };

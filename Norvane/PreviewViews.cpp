@@ -59,6 +59,13 @@ DisplayText displayText(const QString &text)
     return display;
 }
 
+// Scaled down into the room, never up.
+QSize fittedSize(const QSize &image, const QSize &room)
+{
+    const bool fits = image.width() <= room.width() && image.height() <= room.height();
+    return (fits ? image : image.scaled(room, Qt::KeepAspectRatio)).expandedTo({1, 1});
+}
+
 // A plain widget would be a nameless filler to a screen reader.
 QAccessibleInterface *pictureOf(const QString &, QObject *object)
 {
@@ -137,27 +144,25 @@ PreviewImage::PreviewImage(QWidget *parent) : QWidget(parent)
     setAccessibleName(L("Anteprima"));
 }
 
-void PreviewImage::setImage(const QImage &image)
+void PreviewImage::setImage(const QImage &image, const QImage &ready)
 {
     image_ = image;
-    scaledImage = {};
+    scaledImage = QPixmap::fromImage(ready);
     update();
+}
+
+QImage PreviewImage::fitted(const QImage &image, const QSize &room)
+{
+    return image.scaled(fittedSize(image.size(), room), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 void PreviewImage::paintEvent(QPaintEvent *)
 {
     if (image_.isNull() || size().isEmpty())
         return;
-    const qreal scale = devicePixelRatioF();
-    QSize target = image_.size();
-    if (const QSize room = size() * scale; target.width() > room.width() || target.height() > room.height())
-        target.scale(room, Qt::KeepAspectRatio);
-    target = target.expandedTo({1, 1});
-    if (scaledImage.size() != target) {
-        scaledImage =
-            QPixmap::fromImage(image_.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-        scaledImage.setDevicePixelRatio(scale);
-    }
+    if (scaledImage.size() != fittedSize(image_.size(), room()))
+        scaledImage = QPixmap::fromImage(fitted(image_, room()));
+    scaledImage.setDevicePixelRatio(devicePixelRatioF());
     const QSizeF shown = scaledImage.deviceIndependentSize();
     QPainter(this).drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2),
                               scaledImage);

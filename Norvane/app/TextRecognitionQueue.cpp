@@ -44,21 +44,29 @@ void TextRecognitionQueue::kick()
 
 void TextRecognitionQueue::pickNext()
 {
-    for (;;) {
-        const auto found = std::ranges::find_if(store.clips(), isCandidate);
-        if (found == store.clips().end())
-            return;
-        // The list that it stands in may change.
-        const ClipPointer candidate = *found; // NOLINT(performance-unnecessary-copy-initialization)
-        if (auto image = candidate->imageData(store)) {
-            current = candidate;
-            queue.order(std::move(image));
-            return;
-        }
-        store.setRecognizedText(QString(), candidate);
-        if (isBusy()) // somebody who heard of that kicked
-            return;
+    const auto found = std::ranges::find_if(store.clips(), isCandidate);
+    if (found == store.clips().end())
+        return;
+    current = *found;
+    store.read(*current, [this, isNewest = images.next()](const StoredFormats &formats) {
+        return [this, isNewest, image = isNewest() ? formats.first(imageTypes) : std::nullopt] {
+            if (isNewest())
+                hand(image);
+        };
+    });
+}
+
+// The bytes of the current image to the background; absent where it has none.
+void TextRecognitionQueue::hand(std::optional<QByteArray> image)
+{
+    if (image && store.contains(current)) {
+        queue.order(std::move(image));
+        return;
     }
+    const ClipPointer clip = std::exchange(current, nullptr);
+    if (store.contains(clip))
+        store.setRecognizedText(QString(), clip);
+    kick();
 }
 
 void TextRecognitionQueue::finish()

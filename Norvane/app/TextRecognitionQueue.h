@@ -2,6 +2,7 @@
 
 #include "Norvane/app/RecognitionWorker.h"
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/NewestRequest.h"
 
 #include <QObject>
 #include <QSocketNotifier>
@@ -41,6 +42,7 @@ public:
 
 private:
     void pickNext();
+    void hand(std::optional<QByteArray> image);
     void finish();
     void setCanRead(bool value);
 
@@ -49,6 +51,7 @@ private:
     RecognitionWorker queue;
     QSocketNotifier ready;
     ClipPointer current; // the image that is being read
+    NewestRequest images;
     bool isAsking = false;
     QTimer again;
     std::optional<bool> canRead_;

@@ -17,20 +17,46 @@ namespace {
 // Long enough for the panel to have left the screen.
 constexpr std::chrono::milliseconds pasteDelay{50};
 
-constexpr qint64 readAtOnce = 1 << 20; // bytes: in less than a frame
+// What the event loop may be away for: about 2 ms, with the dearest conversion.
+constexpr qint64 readAtOnce = 1 << 20;         // bytes
+constexpr qsizetype convertedAtOnce = 1 << 14; // UTF-16 units
 
 const QString askedAccessibility = QStringLiteral("askedAccessibility");
 
-QString plainTextOf(const Clip &clip, const ClipStore &store)
+// A clip and what to make of it, in values: a worker may.
+struct Order {
+    PasteMode mode;
+    QString text; // as the clip has it in memory
+    bool isShortened = false;
+    bool hasBytes = false;
+    bool isLong = false; // for the event loop
+
+    Order(const Clip &clip, PasteMode wanted);
+    [[nodiscard]] bool wantsText() const { return mode != PasteMode::paste && mode != PasteMode::copy; }
+    [[nodiscard]] std::optional<std::vector<ClipFormat>> content(const StoredFormats &formats) const;
+};
+
+Order::Order(const Clip &clip, PasteMode wanted)
+    : mode(wanted), text(clip.kind == ClipKind::image ? clip.recognizedText.value_or(QString()) : clip.text),
+      hasBytes(clip.size > 0)
 {
-    if (clip.kind == ClipKind::files)
-        return clip.text;
-    return clip.fullText(store).value_or(QString());
+    // The text of files is the list of their paths; a conversion takes the form that they have as text.
+    isShortened =
+        clip.mayBeShortened() && (clip.kind != ClipKind::files || mode.kind() == PasteMode::transform);
+    const bool readsMuch = clip.size > readAtOnce && (isShortened || !wantsText());
+    isLong = readsMuch || (mode.kind() == PasteMode::transform && text.size() > convertedAtOnce);
 }
 
-void writeText(const QString &text, Pasteboard &pasteboard)
+std::optional<std::vector<ClipFormat>> Order::content(const StoredFormats &formats) const
 {
-    pasteboard.write({{{{QString::fromUtf16(PasteboardType::plainText), text.toUtf8()}}}});
+    if (!wantsText()) {
+        auto all = formats.all();
+        return all.empty() && hasBytes ? std::nullopt : std::optional(std::move(all));
+    }
+    QString whole = isShortened ? wholeText(formats, text) : text;
+    if (mode.kind() == PasteMode::transform)
+        whole = apply(mode.textTransform(), whole);
+    return std::vector{ClipFormat{0, QString::fromUtf16(PasteboardType::plainText), whole.toUtf8()}};
 }
 
 } // namespace
@@ -53,53 +79,31 @@ void PasteService::paste(const ClipPointer &chosen, PasteMode mode)
 {
     // The list that `chosen` stands in changes below.
     const ClipPointer clip = chosen; // NOLINT(performance-unnecessary-copy-initialization)
-    ++choices;
-    switch (mode.kind()) {
-    case PasteMode::transform:
-        writeText(apply(mode.textTransform(), clip->fullText(services.store).value_or(QString())),
-                  services.pasteboard);
-        break;
-    case PasteMode::paste:
-    case PasteMode::copy:
-        if (clip->size > readAtOnce) {
-            readAndWrite(clip, mode);
-            return;
-        }
-        if (!write(*clip, services.store.formats(*clip)))
-            return;
-        break;
-    case PasteMode::plain:
-    case PasteMode::copyText:
-        writeText(plainTextOf(*clip, services.store), services.pasteboard);
-        break;
+    const auto isNewest = choices.next();
+    const Order order(*clip, mode);
+    if (!order.isLong) {
+        deliver(clip, mode, order.content(services.store.stored(*clip)));
+        return;
     }
-    finish(clip, mode);
-}
-
-void PasteService::readAndWrite(const ClipPointer &clip, PasteMode mode)
-{
-    const auto isLatest = [this, number = choices, change = services.pasteboard.changeCount()] {
-        return number == choices && change == services.pasteboard.changeCount();
+    const auto finish = [this, isNewest, clip, mode,
+                         change = services.pasteboard.changeCount()](const Content &content) {
+        if (isNewest() && change == services.pasteboard.changeCount())
+            deliver(clip, mode, services.store.contains(clip) ? content : std::nullopt);
     };
-    services.store.readFormats(*clip, [guard = QPointer(this), isLatest, clip, mode](const auto &formats) {
-        if (guard && isLatest() && guard->write(*clip, formats))
-            guard->finish(clip, mode);
+    services.store.read(*clip, [order, isNewest, finish](const StoredFormats &formats) {
+        const Content content = isNewest() ? order.content(formats) : std::nullopt;
+        return [finish, content] { finish(content); };
     });
 }
 
-// False when the clip is unreadable: what the user has on the pasteboard stays there.
-bool PasteService::write(const Clip &clip, const std::vector<ClipFormat> &formats)
+// What the user has on the pasteboard stays there when the clip is unreadable.
+void PasteService::deliver(const ClipPointer &clip, PasteMode mode, const Content &content)
 {
-    if (formats.empty() && clip.size > 0) {
+    if (!content) {
         services.workspace.beep(nullptr);
-        return false;
+        return;
     }
-    writeFormats(formats, services.pasteboard);
-    return true;
-}
-
-void PasteService::finish(const ClipPointer &clip, PasteMode mode)
-{
+    writeFormats(*content, services.pasteboard);
     services.monitor.ignoreCurrentChange();
     services.store.moveToTop(clip);
     if (mode != PasteMode::copy && mode != PasteMode::copyText)

@@ -2,6 +2,7 @@
 
 #include "Norvane/paste/PasteMode.h"
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/NewestRequest.h"
 #include "Platform/Pasteboard.h"
 
 #include <QObject>
@@ -31,8 +32,8 @@ public:
     };
     explicit PasteService(const Services &services);
 
-    // A large clip is read on a worker: then all this happens a moment after the call. It does not happen
-    // where something else is chosen or copied first.
+    // A large clip is read on a worker, and a long text converted there: then all this happens a moment after
+    // the call. It does not happen where something else is chosen or copied first, or the clip is deleted.
     void paste(const ClipPointer &clip, PasteMode mode);
 
     // Types the paste stroke 0.05 s from now, if the settings and the desktop allow it.
@@ -42,11 +43,11 @@ public:
     std::function<void()> onAskAccessibility;
 
 private:
-    void readAndWrite(const ClipPointer &clip, PasteMode mode);
-    bool write(const Clip &clip, const std::vector<ClipFormat> &formats);
-    void finish(const ClipPointer &clip, PasteMode mode);
+    // What a choice puts on the pasteboard; absent when the clip is unreadable.
+    using Content = std::optional<std::vector<ClipFormat>>;
+    void deliver(const ClipPointer &clip, PasteMode mode, const Content &content);
     void postCommandV();
 
     Services services;
-    quint64 choices = 0;
+    NewestRequest choices;
 };

@@ -1,6 +1,7 @@
 #include "Norvane/store/Clip.h"
 
 #include "Norvane/store/ClipStore.h"
+#include "Norvane/store/StoredFormats.h"
 #include "Vesmo/Localisation.h"
 #include "Vesmo/Text.h"
 
@@ -60,6 +61,19 @@ std::optional<QByteArray> imageDataOf(const std::vector<ClipFormat> &formats)
     return std::nullopt;
 }
 
+QString wholeText(const StoredFormats &formats, const QString &shortened)
+{
+    static constexpr std::u16string_view plainText[] = {u"public.utf8-plain-text"};
+    const auto data = formats.first(plainText);
+    if (!data)
+        return shortened;
+    // Stateless: a sequence that is cut off at the end is an error, not the beginning of more.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString whole = decoder(*data);
+    return decoder.hasError() ? shortened : whole;
+}
+
 qint64 totalSize(const std::vector<ClipFormat> &formats)
 {
     return std::accumulate(formats.begin(), formats.end(), qint64{0},
@@ -85,21 +99,18 @@ std::optional<QString> Clip::fullText(const ClipStore &store) const
 {
     if (kind == ClipKind::image)
         return recognizedText;
-    if (text.size() < maxStoredTextLength) // fewer units than characters allowed: it was not shortened
-        return text;
-    const auto data = dataOfType(store.formats(*this), u"public.utf8-plain-text");
-    if (!data)
-        return text;
-    // Stateless: a sequence that is cut off at the end is an error, not the beginning of more.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString whole = decoder(*data);
-    return decoder.hasError() ? text : whole;
+    return mayBeShortened() ? wholeText(store.stored(*this), text) : text;
+}
+
+bool Clip::mayBeShortened() const
+{
+    // Fewer units than characters allowed: it was not shortened.
+    return kind != ClipKind::image && text.size() >= maxStoredTextLength;
 }
 
 std::optional<QByteArray> Clip::imageData(const ClipStore &store) const
 {
-    return imageDataOf(store.formats(*this));
+    return store.stored(*this).first(imageTypes);
 }
 
 const QImage &Clip::thumbnail() const

@@ -10,6 +10,7 @@
 #include <vector>
 
 class ClipStore;
+class StoredFormats;
 
 // Characters (grapheme clusters) kept in a clip's text and recognised text.
 inline constexpr qsizetype maxStoredTextLength = 200000;
@@ -42,6 +43,9 @@ struct ClipFormat {
 
 // The bytes of the first format of the first of imageTypes that has one.
 [[nodiscard]] std::optional<QByteArray> imageDataOf(const std::vector<ClipFormat> &formats);
+
+// The whole text of a clip whose `text` may be shortened; that text where no other is readable.
+[[nodiscard]] QString wholeText(const StoredFormats &formats, const QString &shortened);
 
 // The sum of the lengths in bytes.
 [[nodiscard]] qint64 totalSize(const std::vector<ClipFormat> &formats);
@@ -88,6 +92,9 @@ public:
     // The whole text, read from the stored formats where `text` was shortened; of an image its recognised
     // text.
     [[nodiscard]] std::optional<QString> fullText(const ClipStore &store) const;
+
+    // Whether `text` may be less than the whole text.
+    [[nodiscard]] bool mayBeShortened() const;
 
     // The image representation to show, paste and recognise.
     [[nodiscard]] std::optional<QByteArray> imageData(const ClipStore &store) const;

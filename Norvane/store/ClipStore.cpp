@@ -33,15 +33,17 @@ double secondsSinceReferenceDate()
 }
 
 ClipStore::ClipStore(const QString &folder, std::function<double()> clock)
-    : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock))
+    : path(QDir::cleanPath(folder) + QStringLiteral("/clips.sqlite")), now(std::move(clock)),
+      writer("store writer", 1),
+      readers("store reader", 2) // a choice does not wait for a picture that is looked at
 {
-    readers.setMaxThreadCount(1); // one large clip in memory at a time
     createPrivateFolder(QDir::cleanPath(folder));
     open();
 }
 
 ClipStore::~ClipStore()
 {
+    writer.finish();
     writeUnsaved();
 }
 
@@ -52,34 +54,25 @@ QString ClipStore::defaultFolder()
 
 std::vector<ClipFormat> ClipStore::formats(const Clip &clip) const
 {
-    if (const auto waiting = unsaved.find(clip.id); waiting != unsaved.end())
-        return waiting->second;
-    return db ? loadFormats(*db, clip.id) : std::vector<ClipFormat>();
+    return stored(clip).all();
 }
 
-void ClipStore::readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done)
+StoredFormats ClipStore::stored(const Clip &clip) const
 {
-    const auto deliver = [this, done = std::move(done)](std::vector<ClipFormat> formats) {
-        QMetaObject::invokeMethod(
-            this, [done, formats = std::move(formats)] { done(formats); }, Qt::QueuedConnection);
-    };
-    if (!db || unsaved.contains(clip.id)) {
-        deliver(formats(clip));
-        return;
-    }
-    readers.start([deliver, file = path, id = clip.id] {
-        const auto reader = Database::open(file, Database::Access::read);
-        deliver(reader ? loadFormats(*reader, id) : std::vector<ClipFormat>());
-    });
+    return stored(clip.id);
+}
+
+StoredFormats ClipStore::stored(qint64 clip) const
+{
+    if (const auto waiting = unsaved.find(clip); waiting != unsaved.end())
+        return StoredFormats(waiting->second);
+    return db ? StoredFormats(*db, clip) : StoredFormats({});
 }
 
 ClipPointer ClipStore::add(const CapturedClip &capture)
 {
-    const auto known = std::find_if(clips_.begin(), clips_.end(), [&capture](const ClipPointer &clip) {
-        return clip->hash == capture.hash && clip->kind == capture.kind;
-    });
-    if (known != clips_.end()) {
-        const ClipPointer clip = *known;
+    settle();
+    if (const ClipPointer clip = known(capture)) {
         moveToTop(clip);
         return clip;
     }
@@ -87,6 +80,24 @@ ClipPointer ClipStore::add(const CapturedClip &capture)
     if (!db)
         return nullptr;
     writeUnsaved();
+    auto clip = newClip(capture);
+    if (!insertClip(*db, *clip, capture.formats))
+        return nullptr;
+    clips_.insert(clips_.begin(), clip);
+    postChange();
+    return clip;
+}
+
+ClipPointer ClipStore::known(const CapturedClip &capture) const
+{
+    const auto found = std::find_if(clips_.begin(), clips_.end(), [&capture](const ClipPointer &clip) {
+        return clip->hash == capture.hash && clip->kind == capture.kind;
+    });
+    return found == clips_.end() ? nullptr : *found;
+}
+
+ClipPointer ClipStore::newClip(const CapturedClip &capture) const
+{
     auto clip = std::make_shared<Clip>();
     clip->kind = capture.kind;
     clip->text = shortenedText(capture.text);
@@ -97,21 +108,12 @@ ClipPointer ClipStore::add(const CapturedClip &capture)
     clip->size = totalSize(capture.formats);
     clip->pixelSize = capture.pixelSize;
     clip->thumbData = capture.thumbnail;
-    const bool stored = transaction([&] {
-        if (!db->run(HistorySQL::insertClip, HistorySQL::insertedValues(*clip)))
-            return false;
-        clip->id = db->lastInsertedRowID();
-        return insertFormats(*clip, capture.formats);
-    });
-    if (!stored)
-        return nullptr;
-    clips_.insert(clips_.begin(), clip);
-    postChange();
     return clip;
 }
 
-void ClipStore::moveToTop(const ClipPointer &clip)
+void ClipStore::moveToTop(const ClipPointer &moved)
 {
+    const ClipPointer clip = settled(moved);
     clip->created = timeStamp();
     if (db)
         db->run(HistorySQL::moveToTop, {clip->created, clip->id});
@@ -123,8 +125,9 @@ void ClipStore::moveToTop(const ClipPointer &clip)
     postChange();
 }
 
-void ClipStore::setPinned(const ClipPointer &clip, bool pinned)
+void ClipStore::setPinned(const ClipPointer &changed, bool pinned)
 {
+    const ClipPointer clip = settled(changed);
     clip->pinned = pinned;
     if (db)
         db->run(HistorySQL::pin, {qint64{pinned ? 1 : 0}, clip->id});
@@ -133,8 +136,7 @@ void ClipStore::setPinned(const ClipPointer &clip, bool pinned)
 
 void ClipStore::remove(const ClipPointer &clip)
 {
-    // `clip` may be the list's own.
-    const ClipPointer removed = clip; // NOLINT(performance-unnecessary-copy-initialization)
+    const ClipPointer removed = settled(clip);
     if (db)
         db->run(HistorySQL::deleteClip, {removed->id});
     unsaved.erase(removed->id);
@@ -146,6 +148,7 @@ void ClipStore::deleteAll(const ClipList &doomed)
 {
     if (doomed.empty())
         return;
+    settle();
     std::unordered_set<qint64> ids;
     for (const auto &clip : doomed) {
         ids.insert(clip->id);
@@ -167,6 +170,7 @@ void ClipStore::deleteAll(const ClipList &doomed)
 
 void ClipStore::trim(qint64 maxItems, qint64 retentionDays)
 {
+    settle();
     constexpr double noLimit = -std::numeric_limits<double>::infinity();
     const double cutoff =
         retentionDays >= 1 ? now() - static_cast<double>(retentionDays) * secondsPerDay : noLimit;
@@ -185,8 +189,9 @@ void ClipStore::trim(qint64 maxItems, qint64 retentionDays)
         deleteAll(expired);
 }
 
-void ClipStore::setRecognizedText(const QString &text, const ClipPointer &clip)
+void ClipStore::setRecognizedText(const QString &text, const ClipPointer &changed)
 {
+    const ClipPointer clip = settled(changed);
     const QString shortened = shortenedText(text);
     clip->recognizedText = shortened;
     ++clip->revision;
@@ -197,9 +202,10 @@ void ClipStore::setRecognizedText(const QString &text, const ClipPointer &clip)
     postChange();
 }
 
-void ClipStore::replaceContent(const ClipPointer &clip, const QString &text,
+void ClipStore::replaceContent(const ClipPointer &changed, const QString &text,
                                const std::vector<ClipFormat> &formats)
 {
+    const ClipPointer clip = settled(changed);
     if (!contains(clip))
         return;
     clip->text = shortenedText(text);
@@ -232,29 +238,11 @@ double ClipStore::timeStamp() const
     return time;
 }
 
-// All of it or nothing: SQLite itself may have rolled back before a failure is seen here.
-bool ClipStore::transaction(const std::function<bool()> &statements)
-{
-    if (!db->exec("BEGIN"))
-        return false;
-    if (statements() && db->exec("COMMIT"))
-        return true;
-    db->rollBack();
-    return false;
-}
-
-bool ClipStore::insertFormats(const Clip &clip, const std::vector<ClipFormat> &formats)
-{
-    return std::all_of(formats.begin(), formats.end(), [&](const ClipFormat &format) {
-        return db->run(HistorySQL::insertFormat, {clip.id, format.item, format.type, format.data});
-    });
-}
-
 bool ClipStore::writeContent(const Clip &clip, const std::vector<ClipFormat> &formats)
 {
-    return transaction([&] {
+    return inTransaction(*db, [&] {
         return db->run(HistorySQL::replaceContent, {clip.text, clip.hash, clip.size, clip.id}) &&
-               db->run(HistorySQL::dropFormats, {clip.id}) && insertFormats(clip, formats);
+               db->run(HistorySQL::dropFormats, {clip.id}) && insertFormats(*db, clip, formats);
     });
 }
 
@@ -309,8 +297,10 @@ bool ClipStore::openDatabase()
 
 void ClipStore::restoreIfDamaged()
 {
+    settle();
     if (!db || !db->isDamaged())
         return;
+    readers.finish(); // none may have the file open, or open the new one too early
     db.reset();
     const QString damaged = setAside(path);
     if (!damaged.isEmpty() && openDatabase())

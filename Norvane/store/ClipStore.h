@@ -1,9 +1,10 @@
 #pragma once
 
 #include "Norvane/store/Clip.h"
+#include "Norvane/store/StoredFormats.h"
+#include "Norvane/store/WorkerThreads.h"
 
 #include <QObject>
-#include <QThreadPool>
 #include <functional>
 #include <memory>
 #include <unordered_map>
@@ -39,9 +40,17 @@ public:
     // The stored formats in their order, read from the file; none without a database.
     [[nodiscard]] std::vector<ClipFormat> formats(const Clip &clip) const;
 
-    // The same, read on a worker from a connection of its own: hundreds of megabytes take up to a second.
-    // `done` is called from the event loop, unless the store is gone first.
-    void readFormats(const Clip &clip, std::function<void(const std::vector<ClipFormat> &)> done);
+    [[nodiscard]] StoredFormats stored(const Clip &clip) const;
+
+    // Calls `reading` on a worker, which reads from a connection of its own (hundreds of megabytes take up to
+    // a second) and may make of it what else takes long, and then what that returned, if anything, from the
+    // event loop; neither where the store is gone first. Two readings run at a time, in no order of their
+    // own. Where the file fails one, it is called again with what this connection can read.
+    using Reading = std::function<std::function<void()>(const StoredFormats &)>;
+    void read(const Clip &clip, Reading reading);
+
+    // Whether this very object is in the history.
+    [[nodiscard]] bool contains(const ClipPointer &clip) const;
 
     // Grows with every change, before it is posted.
     [[nodiscard]] quint64 changeCount() const { return changes; }
@@ -49,6 +58,16 @@ public:
     // Stores a capture, or moves the clip with the same hash and kind to the top. Null when it could not be
     // stored.
     ClipPointer add(const CapturedClip &capture);
+
+    // The same with a large capture written on a worker: 32 MiB take half a second, 200 MiB two. `done` is
+    // called when it is in the list or could not be stored: before this returns where it is written at once,
+    // else from the event loop, unless the store is gone first; it is in the file all the same. Any other
+    // change waits for it, so that the order of changes is that of their calls.
+    void addLater(const CapturedClip &capture, std::function<void()> done);
+
+    // Calls back when no capture is being written: before this returns if none is.
+    void whenWritten(std::function<void()> callback);
+
     void moveToTop(const ClipPointer &clip);
     void setPinned(const ClipPointer &clip, bool pinned);
     void remove(const ClipPointer &clip);
@@ -67,13 +86,26 @@ Q_SIGNALS:
     void ClipStoreDidChange(ClipStore *store);
 
 private:
+    // A capture on the worker, which has it to itself until its job is done.
+    struct Writing {
+        CapturedClip capture;
+        ClipPointer clip;
+        std::function<void()> done;
+        std::vector<std::function<void()>> callbacks = {}; // the owner's
+        bool isStored = false;
+    };
+
     void open();
     bool openDatabase();
     void restoreIfDamaged();
-    [[nodiscard]] bool contains(const ClipPointer &clip) const;
+    [[nodiscard]] StoredFormats stored(qint64 clip) const;
+    void readFromMemory(std::vector<ClipFormat> formats, Reading reading);
+    [[nodiscard]] std::vector<ClipFormat> formatsAfterFailure(qint64 clip);
     [[nodiscard]] double timeStamp() const;
-    bool transaction(const std::function<bool()> &statements);
-    bool insertFormats(const Clip &clip, const std::vector<ClipFormat> &formats);
+    [[nodiscard]] ClipPointer known(const CapturedClip &capture) const;
+    [[nodiscard]] ClipPointer newClip(const CapturedClip &capture) const;
+    void settle();
+    [[nodiscard]] ClipPointer settled(const ClipPointer &clip);
     bool writeContent(const Clip &clip, const std::vector<ClipFormat> &formats);
     void writeUnsaved();
     void postChange();
@@ -85,5 +117,7 @@ private:
     std::unordered_map<qint64, std::vector<ClipFormat>>
         unsaved; // replaced formats the file did not take, by clip id
     quint64 changes = 0;
-    QThreadPool readers; // last: ends before what it reads
+    std::shared_ptr<Writing> writing;
+    WorkerThreads writer; // last: end before what they use
+    WorkerThreads readers;
 };

@@ -175,6 +175,12 @@ qint64 Database::lastInsertedRowID() const
     return sqlite3_last_insert_rowid(db);
 }
 
+bool Database::hasMoved() const
+{
+    int moved = 0;
+    return sqlite3_file_control(db, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
 // A statement that a callback of its own runs again finds the kept one in use and gets a second.
 sqlite3_stmt *Database::prepared(const QByteArray &sql)
 {
@@ -202,6 +208,7 @@ bool Database::finish(sqlite3_stmt *statement, const QByteArray &sql, int result
 void Database::noteFailure(const QByteArray &sql)
 {
     const int result = sqlite3_errcode(db) & 0xff;
+    failed = true;
     if (access != Access::salvage)
         logLine(QString::fromUtf8("Norvane SQL: " + QByteArray(sqlite3_errmsg(db)) + " — " + sql));
     if (damaged || (result != SQLITE_CORRUPT && result != SQLITE_NOTADB))

@@ -75,8 +75,15 @@ public:
 
     [[nodiscard]] qint64 lastInsertedRowID() const;
 
+    // Whether any statement has failed since it was opened.
+    [[nodiscard]] bool hasFailed() const { return failed; }
+
     // Whether SQLite has called the file damaged, or no database, since it was opened.
     [[nodiscard]] bool isDamaged() const { return damaged; }
+
+    // Whether another connection to the path would get another file, or none: somebody moved or deleted this
+    // one.
+    [[nodiscard]] bool hasMoved() const;
 
     // Called once, at the first sign of damage, from within the operation that met it: it must not touch this
     // object.
@@ -92,6 +99,7 @@ private:
     const Access access;
     sqlite3 *db = nullptr;
     std::unordered_map<QByteArray, sqlite3_stmt *> idleStatements; // by their text
+    bool failed = false;
     bool damaged = false;
     qint64 busySince = 0; // milliseconds of a steady clock
     qint64 gaveUpAt = 0;

@@ -68,6 +68,34 @@ void prepareSchema(Database &db)
         db.exec("ALTER TABLE clips ADD COLUMN ocr TEXT");
 }
 
+// SQLite itself may have rolled back before a failure is seen here.
+bool inTransaction(Database &db, const std::function<bool()> &statements)
+{
+    if (!db.exec("BEGIN"))
+        return false;
+    if (statements() && db.exec("COMMIT"))
+        return true;
+    db.rollBack();
+    return false;
+}
+
+bool insertClip(Database &db, Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return inTransaction(db, [&] {
+        if (!db.run(HistorySQL::insertClip, HistorySQL::insertedValues(clip)))
+            return false;
+        clip.id = db.lastInsertedRowID();
+        return insertFormats(db, clip, formats);
+    });
+}
+
+bool insertFormats(Database &db, const Clip &clip, const std::vector<ClipFormat> &formats)
+{
+    return std::all_of(formats.begin(), formats.end(), [&](const ClipFormat &format) {
+        return db.run(HistorySQL::insertFormat, {clip.id, format.item, format.type, format.data});
+    });
+}
+
 ClipPointer clipFromRow(const SQLRow &row)
 {
     auto clip = std::make_shared<Clip>();
@@ -94,6 +122,14 @@ std::vector<ClipFormat> loadFormats(Database &db, qint64 clip)
             {row.integer(0), row.text(1).value_or(QString()), row.blob(2).value_or(QByteArray())});
     });
     return formats;
+}
+
+std::optional<QByteArray> loadFormat(Database &db, qint64 clip, QStringView type)
+{
+    std::optional<QByteArray> data;
+    db.query(HistorySQL::formatOfType, {clip, type.toString()},
+             [&data](const SQLRow &row) { data = row.blob(0); });
+    return data;
 }
 
 ClipList loadClips(Database &db)

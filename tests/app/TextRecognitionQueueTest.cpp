@@ -1,42 +1,32 @@
 #include "Norvane/app/TextRecognitionQueue.h"
 
 #include "Norvane/store/ClipStore.h"
-#include "Platform/Log.h"
 #include "Platform/memory/MemoryRecognition.h"
+#include "tests/support/Captures.h"
+#include "tests/support/LogLines.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class TextRecognitionQueueTest : public ::testing::Test {
-public:
-    ~TextRecognitionQueueTest() override { setLogSink({}); }
-
 protected:
-    TextRecognitionQueueTest()
-    {
-        setLogSink([this](const QString &line) { log << line; });
-    }
-
     // An image clip of these bytes, which the service reads as `text`, unless that is null.
     ClipPointer add(const QByteArray &bytes, const QString &text = {})
     {
         if (!text.isNull())
             service->setText(bytes, text);
-        CapturedClip capture;
-        capture.kind = ClipKind::image;
-        capture.hash = contentHash(bytes);
-        capture.formats = {{0, u"public.png"_s, bytes}};
-        return store.add(capture);
+        return store.add(imageCapture(bytes));
     }
 
-    [[nodiscard]] std::unique_ptr<TextRecognitionQueue> makeQueue()
+    // Kicks while the service holds back its answer, and waits until it was asked so often altogether.
+    void kickAndHold(size_t asked)
     {
-        return std::make_unique<TextRecognitionQueue>(store, service, [this] { return isEnabled; });
+        service->hold();
+        queue->kick();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return service->asked().size() == asked; }));
     }
 
     [[nodiscard]] bool becomesIdle() const
@@ -54,83 +44,92 @@ protected:
         QStringList texts;
         const ClipStore stored(folder.path());
         for (const auto &clip : stored.clips())
-            texts << clip->recognizedText.value_or(u"(unread)"_s);
+            texts << clip->recognizedText.value_or("(unread)");
         return texts;
     }
 
+    const LogLines log;
     QTemporaryDir folder;
     ClipStore store{folder.path()};
     std::shared_ptr<MemoryRecognition> service = std::make_shared<MemoryRecognition>();
     bool isEnabled = true;
-    QStringList log;
-    std::unique_ptr<TextRecognitionQueue> queue = makeQueue();
+    std::unique_ptr<TextRecognitionQueue> queue =
+        std::make_unique<TextRecognitionQueue>(store, service, [this] { return isEnabled; });
 };
 
 TEST_F(TextRecognitionQueueTest, AHistoryWrittenBeforeIsReadCompletelyAndEachImageOnce)
 {
     add("damaged");
-    add("blank", u""_s);
-    CapturedClip text;
-    text.text = u"plain"_s;
-    text.hash = u"1"_s;
-    store.add(text);
-    add("third", u"Fattura n. 118"_s);
-    CapturedClip bare;
-    bare.kind = ClipKind::image;
-    bare.hash = u"2"_s;
-    store.add(bare); // without image data
+    add("blank", "");
+    store.add(textCapture("plain"));
+    add("third", "Fattura n. 118");
+    auto bare = imageCapture("no data");
+    bare.formats.clear();
+    store.add(bare);
     queue->kick();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return storedTexts().count(u"(unread)"_s) == 1; }));
-    EXPECT_EQ(storedTexts(), QStringList({u""_s, u"Fattura n. 118"_s, u"(unread)"_s, u""_s, u""_s}));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return storedTexts().count("(unread)") == 1; }));
+    EXPECT_EQ(storedTexts(), QStringList({"", "Fattura n. 118", "(unread)", "", ""}));
     EXPECT_FALSE(queue->isBusy());
     EXPECT_EQ(service->asked(), (std::vector<QByteArray>{"third", "blank", "damaged"}));
     queue->kick();
     EXPECT_FALSE(queue->isBusy());
     EXPECT_EQ(service->asked().size(), 3);
-    EXPECT_TRUE(log.isEmpty());
+    EXPECT_TRUE(log.lines.isEmpty());
 }
 
 TEST_F(TextRecognitionQueueTest, SwitchedOffItFinishesTheImageUnderWayAndPicksNoOther)
 {
-    const ClipPointer first = add("1", u"uno"_s);
+    const ClipPointer first = add("1", "uno");
     isEnabled = false;
     queue->kick();
     EXPECT_FALSE(QTest::qWaitFor([this] { return queue->isBusy(); }, 50));
     isEnabled = true;
-    service->hold();
-    queue->kick();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return service->asked().size() == 1; }));
-    const ClipPointer second = add("2", u"due"_s);
+    kickAndHold(1);
+    const ClipPointer second = add("2", "due");
     isEnabled = false;
     service->release();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !queue->isBusy(); }));
-    EXPECT_EQ(first->recognizedText, u"uno");
+    EXPECT_EQ(first->recognizedText, "uno");
     EXPECT_FALSE(second->recognizedText);
     isEnabled = true;
     queue->kick();
     EXPECT_TRUE(becomesIdle());
-    EXPECT_EQ(second->recognizedText, u"due");
+    EXPECT_EQ(second->recognizedText, "due");
 }
 
 TEST_F(TextRecognitionQueueTest, ADeletedImageStaysDeletedAndTheRestGoesOn)
 {
-    add("older", u"vecchio"_s);
-    const ClipPointer doomed = add("doomed", u"sparito"_s);
-    service->hold();
-    queue->kick();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return service->asked().size() == 1; }));
+    add("older", "vecchio");
+    const ClipPointer doomed = add("doomed", "sparito");
+    kickAndHold(1);
     store.remove(doomed);
-    add("newer", u"nuovo"_s); // copied while another is read
+    add("newer", "nuovo"); // copied while another is read
     queue->kick();
     service->release();
     EXPECT_TRUE(becomesIdle());
-    EXPECT_EQ(storedTexts(), QStringList({u"nuovo"_s, u"vecchio"_s}));
+    EXPECT_EQ(storedTexts(), QStringList({"nuovo", "vecchio"}));
     EXPECT_EQ(service->asked().size(), 3);
+}
+
+TEST_F(TextRecognitionQueueTest, AnImageDeletedWhileItsBytesAreReadIsNotRecognised)
+{
+    add("first", "primo");
+    queue->kick();
+    ASSERT_TRUE(becomesIdle());
+    const ClipPointer older = add("older", "vecchio");
+    const ClipPointer doomed = add(QByteArray(4 << 20, 'd'), "sparito");
+    queue->kick();
+    EXPECT_TRUE(queue->isBusy());
+    store.remove(doomed);
+    EXPECT_TRUE(becomesIdle());
+    EXPECT_EQ(older->recognizedText, "vecchio");
+    EXPECT_FALSE(doomed->recognizedText);
+    EXPECT_EQ(service->asked(), (std::vector<QByteArray>{"first", "older"}));
 }
 
 TEST_F(TextRecognitionQueueTest, WithoutLanguageDataImagesWaitAndItIsSaidOnce)
 {
-    const ClipPointer clip = add("1", u"uno"_s);
+    const ClipPointer clip = add("1", "uno");
     std::vector<bool> changes;
     queue->onCanReadChange = [&changes](bool canRead) { changes.push_back(canRead); };
     service->setLanguages({});
@@ -138,27 +137,25 @@ TEST_F(TextRecognitionQueueTest, WithoutLanguageDataImagesWaitAndItIsSaidOnce)
     EXPECT_TRUE(QTest::qWaitFor([&] { return changes.size() == 1; }));
     queue->kick();
     EXPECT_FALSE(QTest::qWaitFor([&] { return queue->canRead() || clip->recognizedText; }, 50));
-    EXPECT_EQ(log.size(), 1);
-    service->setLanguages({u"it"_s});
+    EXPECT_EQ(log.lines.size(), 1);
+    service->setLanguages({"it"});
     queue->kick();
     EXPECT_TRUE(becomesIdle());
     EXPECT_EQ(changes, (std::vector{false, true}));
-    EXPECT_EQ(clip->recognizedText, u"uno");
+    EXPECT_EQ(clip->recognizedText, "uno");
 }
 
 TEST_F(TextRecognitionQueueTest, AnErrorCountsAsReadUnlessNothingCanBeReadAnyMore)
 {
-    const ClipPointer first = add("1", u"uno"_s);
-    service->setFailure(u"it took too long"_s);
+    const ClipPointer first = add("1", "uno");
+    service->setFailure("it took too long");
     queue->kick();
     EXPECT_TRUE(becomesIdle());
-    EXPECT_EQ(first->recognizedText, u"");
-    EXPECT_EQ(log, QStringList(u"Text recognition failed: it took too long"_s));
+    EXPECT_EQ(first->recognizedText, "");
+    EXPECT_EQ(log.lines, QStringList("Text recognition failed: it took too long"));
 
-    const ClipPointer second = add("2", u"due"_s);
-    service->hold();
-    queue->kick();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return service->asked().size() == 2; }));
+    const ClipPointer second = add("2", "due");
+    kickAndHold(2);
     service->setLanguages({});
     service->release();
     EXPECT_TRUE(QTest::qWaitFor([this] { return !queue->canRead(); }));
@@ -167,10 +164,8 @@ TEST_F(TextRecognitionQueueTest, AnErrorCountsAsReadUnlessNothingCanBeReadAnyMor
 
 TEST_F(TextRecognitionQueueTest, ItsEndDoesNotWaitForAnImage)
 {
-    const ClipPointer clip = add("1", u"uno"_s);
-    service->hold();
-    queue->kick();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return service->asked().size() == 1; }));
+    const ClipPointer clip = add("1", "uno");
+    kickAndHold(1);
     queue.reset();
     EXPECT_FALSE(clip->recognizedText);
 }

@@ -1,13 +1,8 @@
 #pragma once
 
-#include "Platform/Pasteboard.h"
+#include "tests/support/Captures.h"
 
-#include <QBuffer>
-#include <QImage>
-
-// Copies as programs make them, for the tests of this room.
-
-inline const QString plainText = QString::fromUtf16(PasteboardType::plainText);
+// Copies as programs make them.
 
 inline PasteboardRepresentation form(const QString &type, const QByteArray &data)
 {
@@ -19,28 +14,17 @@ inline PasteboardRepresentation offeredOnly(const QString &type)
     return {type, std::nullopt};
 }
 
+inline PasteboardItem itemOf(const QString &type, const QByteArray &data)
+{
+    return {{form(type, data)}};
+}
+
 inline PasteboardItem textItem(const QString &text)
 {
-    return {{form(plainText, text.toUtf8())}};
+    return itemOf(plainText, text.toUtf8());
 }
 
 inline PasteboardItem fileItem(const QByteArray &address)
 {
-    return {{form(QString::fromUtf16(PasteboardType::fileURL), address)}};
-}
-
-inline QByteArray encoded(const QImage &image, const char *format)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
-
-inline QImage filledImage(int width, int height, const QColor &colour)
-{
-    QImage image(width, height, QImage::Format_ARGB32);
-    image.fill(colour);
-    return image;
+    return itemOf(QString::fromUtf16(PasteboardType::fileURL), address);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/capture/Copies.h"
+#include "tests/support/Captures.h"
 
 #include <algorithm>
 #include <libheif/heif.h>

@@ -22,6 +22,16 @@ QImage twoHalves(int width, int height)
     return image;
 }
 
+QByteArray turnedTiff(const QImage &image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, "TIFF");
+    writer.setTransformation(QImageIOHandler::TransformationRotate90);
+    writer.write(image);
+    return bytes;
+}
+
 QImage pictureOf(const Thumbnail &thumbnail)
 {
     return thumbnail.png ? QImage::fromData(*thumbnail.png, "PNG") : QImage();
@@ -40,96 +50,69 @@ QByteArray animation()
     return start + frame + QByteArray("\x04\x0A\0", 3) + frame + QByteArray("\x4C\x0A\0;", 4);
 }
 
-TEST(Thumbnail, EveryFormatIsMeasuredAndShrunk)
+TEST(Thumbnail, EveryFormatIsMeasuredAsItLiesAndShrunkAndTurned)
 {
-    for (const char *format : {"PNG", "JPEG", "TIFF", "WEBP", "BMP"}) {
-        const auto thumbnail = makeThumbnail(encoded(twoHalves(1000, 400), format), maxPixels);
-        EXPECT_EQ(thumbnail.pixelSize, QSizeF(1000, 400)) << format;
+    const QImage image = twoHalves(1000, 400);
+    const QPoint left(30, 50), right(226, 50), top(50, 30), bottom(50, 226);
+    const struct {
+        const char *name;
+        QByteArray bytes;
+        QPoint red, blue;
+    } cases[] = {
+        {"PNG", encoded(image, "PNG"), left, right},
+        {"JPEG", encoded(image, "JPEG"), left, right},
+        {"TIFF", encoded(image, "TIFF"), left, right},
+        {"WEBP", encoded(image, "WEBP"), left, right},
+        {"BMP", encoded(image, "BMP"), left, right},
+        {"HEIC", heicOf(image, 1), left, right},
+        {"HEIC, turned", heicOf(image, 6), top, bottom},
+        {"TIFF, turned", turnedTiff(image), top, bottom},
+        {"JPEG, orientation 1", jpegWithOrientation(image, 1), left, right},
+        {"JPEG, orientation 2", jpegWithOrientation(image, 2), right, left},
+        {"JPEG, orientation 3", jpegWithOrientation(image, 3), right, left},
+        {"JPEG, orientation 6", jpegWithOrientation(image, 6), top, bottom},
+        {"JPEG, orientation 8", jpegWithOrientation(image, 8), bottom, top},
+    };
+    for (const auto &[name, bytes, red, blue] : cases) {
+        SCOPED_TRACE(name);
+        const auto thumbnail = makeThumbnail(bytes, maxPixels);
+        EXPECT_EQ(thumbnail.pixelSize, QSizeF(1000, 400));
+        const bool upright = red.x() == blue.x();
         const QImage picture = pictureOf(thumbnail);
-        EXPECT_EQ(picture.size(), QSize(256, 102)) << format;
-        EXPECT_TRUE(isRed(picture.pixelColor(20, 50))) << format;
-        EXPECT_FALSE(isRed(picture.pixelColor(235, 50))) << format;
+        ASSERT_EQ(picture.size(), upright ? QSize(102, 256) : QSize(256, 102));
+        EXPECT_TRUE(isRed(picture.pixelColor(red)));
+        EXPECT_FALSE(isRed(picture.pixelColor(blue)));
+        EXPECT_EQ(decodedPicture(bytes, 4096).size(), upright ? QSize(400, 1000) : QSize(1000, 400));
     }
 }
 
 TEST(Thumbnail, SmallPicturesAreNotEnlarged)
 {
-    for (const QSize size : {QSize(1, 1), QSize(256, 256), QSize(3, 200)}) {
-        const auto thumbnail =
-            makeThumbnail(encoded(filledImage(size.width(), size.height(), Qt::red), "PNG"), 256);
-        EXPECT_EQ(pictureOf(thumbnail).size(), size);
-    }
-    EXPECT_EQ(pictureOf(makeThumbnail(encoded(filledImage(5000, 1, Qt::red), "PNG"), 256)).size(),
-              QSize(256, 1));
-}
-
-TEST(Thumbnail, OrientationTurnsThePictureButNotItsSize)
-{
-    struct Case {
-        char orientation;
-        QSize size;
-        QPoint red, blue;
-    };
-    // Where the red half of the stored picture is to be seen.
-    for (const auto &[orientation, size, red, blue] : {
-             Case{1, {256, 128}, {30, 64}, {226, 64}},
-             Case{2, {256, 128}, {226, 64}, {30, 64}},
-             Case{3, {256, 128}, {226, 64}, {30, 64}},
-             Case{6, {128, 256}, {64, 30}, {64, 226}},
-             Case{8, {128, 256}, {64, 226}, {64, 30}},
-         }) {
-        const auto thumbnail =
-            makeThumbnail(jpegWithOrientation(twoHalves(800, 400), orientation), maxPixels);
-        EXPECT_EQ(thumbnail.pixelSize, QSizeF(800, 400));
-        const QImage picture = pictureOf(thumbnail);
-        ASSERT_EQ(picture.size(), size) << int(orientation);
-        EXPECT_TRUE(isRed(picture.pixelColor(red))) << int(orientation);
-        EXPECT_FALSE(isRed(picture.pixelColor(blue))) << int(orientation);
+    for (const auto &[size, shown] : {std::pair{QSize(1, 1), QSize(1, 1)},
+                                      {QSize(256, 256), QSize(256, 256)},
+                                      {QSize(3, 200), QSize(3, 200)},
+                                      {QSize(5000, 1), QSize(256, 1)}}) {
+        const QByteArray png = encoded(filledImage(size.width(), size.height(), Qt::red));
+        EXPECT_EQ(pictureOf(makeThumbnail(png, maxPixels)).size(), shown);
     }
 }
 
-TEST(Thumbnail, HeicIsMeasuredTurnedAndShrunk)
+TEST(Thumbnail, KeepsTransparencyAndColoursAndNothingButPixels)
 {
-    for (const auto &[orientation, red, blue] :
-         {std::tuple{1, QPoint(30, 50), QPoint(226, 50)}, std::tuple{6, QPoint(50, 30), QPoint(50, 226)}}) {
-        const QByteArray heic = heicOf(twoHalves(1000, 400), orientation);
-        ASSERT_FALSE(heic.isEmpty());
-        const auto thumbnail = makeThumbnail(heic, maxPixels);
-        EXPECT_EQ(thumbnail.pixelSize, QSizeF(1000, 400));
-        const QImage picture = pictureOf(thumbnail);
-        EXPECT_EQ(picture.size(), orientation == 1 ? QSize(256, 102) : QSize(102, 256));
-        EXPECT_TRUE(isRed(picture.pixelColor(red)));
-        EXPECT_FALSE(isRed(picture.pixelColor(blue)));
-        EXPECT_EQ(decodedPicture(heic, 4096).size(), orientation == 1 ? QSize(1000, 400) : QSize(400, 1000));
-        for (qsizetype length = 0; length < heic.size(); length += 1 + heic.size() / 60)
-            EXPECT_FALSE(makeThumbnail(heic.left(length), maxPixels).png) << "cut at " << length;
-    }
-}
-
-TEST(Thumbnail, ATiffIsTurnedToo)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, "TIFF");
-    writer.setTransformation(QImageIOHandler::TransformationRotate90);
-    ASSERT_TRUE(writer.write(twoHalves(800, 400)));
-    const auto thumbnail = makeThumbnail(bytes, maxPixels);
-    EXPECT_EQ(thumbnail.pixelSize, QSizeF(800, 400));
-    ASSERT_EQ(pictureOf(thumbnail).size(), QSize(128, 256));
-    EXPECT_TRUE(isRed(pictureOf(thumbnail).pixelColor(64, 30)));
-    EXPECT_FALSE(isRed(pictureOf(thumbnail).pixelColor(64, 226)));
-}
-
-TEST(Thumbnail, TransparencyIsKept)
-{
-    QImage image = filledImage(600, 600, QColor(0, 0, 0, 0));
+    QImage image = filledImage(600, 600, QColor(200, 100, 50));
     for (int x = 0; x < 300; ++x) {
         for (int y = 0; y < 600; ++y)
-            image.setPixelColor(x, y, QColor(255, 0, 0, 128));
+            image.setPixelColor(x, y, QColor(255, 0, 0, x < 150 ? 0 : 128));
     }
-    const QImage picture = pictureOf(makeThumbnail(encoded(image, "PNG"), maxPixels));
-    EXPECT_EQ(picture.pixelColor(200, 100).alpha(), 0);
-    EXPECT_NEAR(picture.pixelColor(50, 100).alpha(), 128, 2);
+    image.setText("Comment", QString(100000, u'x'));
+    image.setColorSpace(QColorSpace(QColorSpace::AdobeRgb));
+    const auto thumbnail = makeThumbnail(encoded(image), maxPixels);
+    const QImage picture = pictureOf(thumbnail);
+    EXPECT_EQ(picture.pixelColor(30, 100).alpha(), 0);
+    EXPECT_NEAR(picture.pixelColor(100, 100).alpha(), 128, 2);
+    EXPECT_GT(picture.pixelColor(200, 100).red(), 210) << "the same colour, in sRGB";
+    EXPECT_TRUE(picture.textKeys().isEmpty());
+    EXPECT_LT(thumbnail.png->size(), 5000);
 }
 
 TEST(Thumbnail, AnAnimationShowsItsFirstFrame)
@@ -140,82 +123,62 @@ TEST(Thumbnail, AnAnimationShowsItsFirstFrame)
     EXPECT_TRUE(isRed(pictureOf(thumbnail).pixelColor(1, 0)));
 }
 
-TEST(Thumbnail, ImageBombsGiveTheirSizeOnly)
-{
-    QByteArray jpeg = encoded(filledImage(16, 16, Qt::red), "JPEG");
-    const auto frame = jpeg.indexOf("\xFF\xC0"); // length, precision, height, width
-    ASSERT_GT(frame, 0);
-    qToBigEndian<quint16>(60000, jpeg.data() + frame + 5);
-    qToBigEndian<quint16>(60000, jpeg.data() + frame + 7);
-    for (const auto &bomb : {pngBomb, jpeg}) {
-        const auto thumbnail = makeThumbnail(bomb, maxPixels);
-        EXPECT_EQ(thumbnail.pixelSize, QSizeF(60000, 60000));
-        EXPECT_FALSE(thumbnail.png);
-        EXPECT_TRUE(decodedPicture(bomb, 4096).isNull());
-    }
-}
-
-TEST(Thumbnail, AJpegOfEndlessPassesIsNotRead)
+TEST(Thumbnail, WhatIsNotToBeReadGivesItsSizeWhereThatIsKnown)
 {
     const QByteArray jpeg = encoded(twoHalves(400, 300), "JPEG");
-    ASSERT_TRUE(makeThumbnail(jpeg, maxPixels).png);
+    QByteArray bomb = jpeg;
+    const auto frame = bomb.indexOf("\xFF\xC0"); // length, precision, height, width
+    ASSERT_GT(frame, 0);
+    qToBigEndian<quint16>(60000, bomb.data() + frame + 5);
+    qToBigEndian<quint16>(60000, bomb.data() + frame + 7);
     const auto scan = jpeg.indexOf("\xFF\xDA");
-    QByteArray endless = jpeg.left(scan);
-    for (int pass = 0; pass < 500; ++pass)
-        endless += jpeg.mid(scan);
-    EXPECT_EQ(makeThumbnail(endless, maxPixels).pixelSize, QSizeF(400, 300));
-    EXPECT_FALSE(makeThumbnail(endless, maxPixels).png);
+    const QByteArray png = encoded(twoHalves(640, 480));
+    const struct {
+        const char *what;
+        QByteArray bytes;
+        QSizeF size;
+    } cases[] = {
+        {"a PNG bomb", pngBomb, {60000, 60000}},
+        {"a JPEG bomb", bomb, {60000, 60000}},
+        {"endless passes", jpeg.left(scan) + jpeg.mid(scan).repeated(500), {400, 300}},
+        {"half a PNG", png.left(png.size() / 2), {640, 480}},
+        {"nothing", {}, {0, 0}},
+        {"text", "no picture", {0, 0}},
+        {"junk", QByteArray(1000, '\xFF'), {0, 0}},
+        {"a drawing",
+         R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10"><rect/></svg>)",
+         {0, 0}},
+    };
+    for (const auto &[what, bytes, size] : cases) {
+        EXPECT_EQ(makeThumbnail(bytes, maxPixels).pixelSize, size) << what;
+        EXPECT_FALSE(makeThumbnail(bytes, maxPixels).png) << what;
+        EXPECT_TRUE(decodedPicture(bytes, 4096).isNull()) << what;
+    }
 }
 
-TEST(Thumbnail, DamagedFilesGiveWhatCanBeKnown)
+TEST(Thumbnail, HalfAJpegShowsItsBeginning)
 {
-    for (const QByteArray &junk : {QByteArray(), QByteArray("no picture"), QByteArray(1000, '\xFF')}) {
-        EXPECT_EQ(makeThumbnail(junk, maxPixels).pixelSize, QSizeF(0, 0));
-        EXPECT_FALSE(makeThumbnail(junk, maxPixels).png);
-    }
-    const auto half = [](const QByteArray &bytes) { return bytes.left(bytes.size() / 2); };
-    const auto png = makeThumbnail(half(encoded(twoHalves(640, 480), "PNG")), maxPixels);
-    EXPECT_EQ(png.pixelSize, QSizeF(640, 480));
-    EXPECT_FALSE(png.png);
-    const auto jpeg = makeThumbnail(half(encoded(twoHalves(640, 480), "JPEG")), maxPixels);
-    EXPECT_EQ(jpeg.pixelSize, QSizeF(640, 480));
-    EXPECT_TRUE(isRed(pictureOf(jpeg).pixelColor(20, 20)));
+    const QByteArray whole = encoded(twoHalves(640, 480), "JPEG");
+    const auto half = makeThumbnail(whole.left(whole.size() / 2), maxPixels);
+    EXPECT_EQ(half.pixelSize, QSizeF(640, 480));
+    EXPECT_TRUE(isRed(pictureOf(half).pixelColor(20, 20)));
 }
 
 TEST(Thumbnail, EveryCutOfAFileIsSurvived)
 {
     const QImage image = twoHalves(40, 30);
-    std::vector<QByteArray> files{animation()};
+    std::vector<QByteArray> files{animation(), heicOf(twoHalves(1000, 400), 6)};
     for (const char *format : {"PNG", "JPEG", "TIFF", "WEBP", "BMP"})
         files.push_back(encoded(image, format));
     for (const auto &whole : files) {
         const auto known = makeThumbnail(whole, maxPixels).pixelSize;
         ASSERT_NE(known, QSizeF(0, 0));
         for (qsizetype length = 0; length < whole.size(); length += 1 + whole.size() / 60) {
-            const auto size = makeThumbnail(whole.left(length), maxPixels).pixelSize;
-            EXPECT_TRUE(size == known || size == QSizeF(0, 0)) << "cut at " << length;
+            const auto cut = makeThumbnail(whole.left(length), maxPixels);
+            EXPECT_TRUE(cut.pixelSize == known || cut.pixelSize == QSizeF(0, 0)) << "cut at " << length;
+            EXPECT_FALSE(cut.png && known.width() == 1000) << "a HEIC file cut at " << length;
         }
     }
-}
-
-TEST(Thumbnail, DrawingsAreNoPictures)
-{
-    const QByteArray svg = R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10"><rect/></svg>)";
-    EXPECT_EQ(makeThumbnail(svg, maxPixels).pixelSize, QSizeF(0, 0));
-    EXPECT_FALSE(makeThumbnail(svg, maxPixels).png);
-    EXPECT_TRUE(decodedPicture(svg, 4096).isNull());
-}
-
-TEST(Thumbnail, NothingButPixelsGetsThrough)
-{
-    QImage image = filledImage(300, 300, QColor(200, 100, 50));
-    image.setText(u"Comment"_qs, QString(100000, u'x'));
-    image.setColorSpace(QColorSpace(QColorSpace::AdobeRgb));
-    const auto thumbnail = makeThumbnail(encoded(image, "PNG"), maxPixels);
-    const QImage picture = pictureOf(thumbnail);
-    EXPECT_TRUE(picture.textKeys().isEmpty());
-    EXPECT_LT(thumbnail.png->size(), 5000);
-    EXPECT_GT(picture.pixelColor(10, 10).red(), 210); // the same colour, in sRGB
 }
 
 } // namespace

@@ -10,18 +10,17 @@
 
 namespace {
 
-const auto accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
-const auto textInterface = QStringLiteral("org.a11y.atspi.Text");
+const QString accessibleInterface = "org.a11y.atspi.Accessible";
+const QString textInterface = "org.a11y.atspi.Text";
 constexpr int answerBound = 1000; // ms
 
 QDBusConnection accessibilityBus()
 {
     static const QDBusConnection bus = [] {
         const auto question =
-            QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-                                           QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress"));
+            QDBusMessage::createMethodCall("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress");
         const QDBusReply<QString> address = QDBusConnection::sessionBus().call(question, QDBus::Block, 10000);
-        return QDBusConnection::connectToBus(address.value(), QStringLiteral("accessibility"));
+        return QDBusConnection::connectToBus(address.value(), "accessibility");
     }();
     return bus;
 }
@@ -49,8 +48,7 @@ std::vector<std::pair<QString, QString>> references(const QVariantList &answer)
 
 std::optional<Accessible> Accessible::application(qint64 pid)
 {
-    const Accessible registry(QStringLiteral("org.a11y.atspi.Registry"),
-                              QStringLiteral("/org/a11y/atspi/accessible/root"));
+    const Accessible registry("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root");
     for (const auto &candidate : registry.children()) {
         const QDBusReply<uint> owner = accessibilityBus().interface()->servicePid(candidate.service);
         if (owner.isValid() && owner.value() == pid)
@@ -70,76 +68,58 @@ QVariantList Accessible::ask(const QString &interface, const QString &method,
 
 QVariant Accessible::property(const QString &interface, const QString &name) const
 {
-    const auto answer =
-        ask(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"), {interface, name});
-    return answer.isEmpty() ? QVariant() : answer.first().value<QDBusVariant>().variant();
+    const auto answer = ask("org.freedesktop.DBus.Properties", "Get", {interface, name});
+    return answer.value(0).value<QDBusVariant>().variant();
 }
 
 QString Accessible::name() const
 {
-    return property(accessibleInterface, QStringLiteral("Name")).toString();
+    return property(accessibleInterface, "Name").toString();
 }
 
 QString Accessible::description() const
 {
-    return property(accessibleInterface, QStringLiteral("Description")).toString();
+    return property(accessibleInterface, "Description").toString();
 }
 
 bool Accessible::press() const
 {
-    const auto answer = ask(QStringLiteral("org.a11y.atspi.Action"), QStringLiteral("DoAction"), {0});
-    return !answer.isEmpty() && answer.first().toBool();
+    return ask("org.a11y.atspi.Action", "DoAction", {0}).value(0).toBool();
 }
 
 QString Accessible::role() const
 {
-    const auto answer = ask(accessibleInterface, QStringLiteral("GetRoleName"));
-    return answer.isEmpty() ? QString() : answer.first().toString();
+    return ask(accessibleInterface, "GetRoleName").value(0).toString();
 }
 
 QString Accessible::text() const
 {
-    const auto answer = ask(textInterface, QStringLiteral("GetText"), {0, -1});
-    return answer.isEmpty() ? QString() : answer.first().toString();
+    return ask(textInterface, "GetText", {0, -1}).value(0).toString();
 }
 
 bool Accessible::is(State state) const
 {
-    const auto answer = ask(accessibleInterface, QStringLiteral("GetState"));
-    if (answer.isEmpty())
-        return false;
-    const auto words = qdbus_cast<QList<uint>>(answer.first());
+    const auto words = qdbus_cast<QList<uint>>(ask(accessibleInterface, "GetState").value(0));
     const auto bit = static_cast<uint>(state);
     return words.size() > int(bit / 32) && (words[int(bit / 32)] >> (bit % 32)) & 1U;
 }
 
 QRect Accessible::caret() const
 {
-    const int offset = property(textInterface, QStringLiteral("CaretOffset")).toInt();
-    const auto box = ask(textInterface, QStringLiteral("GetCharacterExtents"), {offset, 0U});
+    const int offset = property(textInterface, "CaretOffset").toInt();
+    const auto box = ask(textInterface, "GetCharacterExtents", {offset, 0U});
     return box.size() < 4 ? QRect() : QRect(box[0].toInt(), box[1].toInt(), box[2].toInt(), box[3].toInt());
 }
 
 QRect Accessible::extents() const
 {
-    const auto answer = ask(QStringLiteral("org.a11y.atspi.Component"), QStringLiteral("GetExtents"), {0U});
-    if (answer.isEmpty() || !answer.first().canConvert<QDBusArgument>())
-        return {};
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-    const auto box = answer.first().value<QDBusArgument>();
-    box.beginStructure();
-    box >> x >> y >> width >> height;
-    box.endStructure();
-    return {x, y, width, height};
+    return qdbus_cast<QRect>(ask("org.a11y.atspi.Component", "GetExtents", {0U}).value(0));
 }
 
 std::vector<Accessible> Accessible::children() const
 {
     std::vector<Accessible> found;
-    for (const auto &[bus, object] : references(ask(accessibleInterface, QStringLiteral("GetChildren"))))
+    for (const auto &[bus, object] : references(ask(accessibleInterface, "GetChildren")))
         found.push_back(Accessible(bus, object));
     return found;
 }
@@ -154,36 +134,15 @@ std::optional<Accessible> Accessible::find(const std::function<bool(const Access
     return std::nullopt;
 }
 
-std::vector<Accessible> Accessible::all(const std::function<bool(const Accessible &)> &test) const
-{
-    std::vector<Accessible> found;
-    if (test(*this))
-        found.push_back(*this);
-    for (const auto &child : children())
-        for (const auto &inner : child.all(test))
-            found.push_back(inner);
-    return found;
-}
-
-QString Accessible::tree(int indent) const
-{
-    QString lines = QString(indent, QLatin1Char(' ')) + role() + QLatin1String(" \"") + name() +
-                    QLatin1String("\" [") + text().left(60) + QLatin1String("]\n");
-    for (const auto &child : children())
-        lines += child.tree(indent + 2);
-    return lines;
-}
-
 SelectionEvents::SelectionEvents(const QString &watched) : state(watched)
 {
     // Programs only tell what somebody has registered for.
-    auto registration = QDBusMessage::createMethodCall(
-        QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("/org/a11y/atspi/registry"),
-        QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("RegisterEvent"));
-    registration << QString(QStringLiteral("object:state-changed:") + state) << QStringList() << QString();
+    auto registration = QDBusMessage::createMethodCall("org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
+                                                       "org.a11y.atspi.Registry", "RegisterEvent");
+    registration << QString("object:state-changed:" + state) << QStringList() << QString();
     accessibilityBus().call(registration, QDBus::Block, answerBound);
-    accessibilityBus().connect(QString(), QString(), QStringLiteral("org.a11y.atspi.Event.Object"),
-                               QStringLiteral("StateChanged"), this, SLOT(stateChanged(QDBusMessage)));
+    accessibilityBus().connect(QString(), QString(), "org.a11y.atspi.Event.Object", "StateChanged", this,
+                               SLOT(stateChanged(QDBusMessage)));
 }
 
 void SelectionEvents::stateChanged(const QDBusMessage &message)

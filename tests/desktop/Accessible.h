@@ -16,7 +16,7 @@
 class Accessible {
 public:
     // The numbers of the AT-SPI protocol.
-    enum class State { active = 1, checked = 4, editable = 7, focused = 12, selected = 23, showing = 25 };
+    enum class State { editable = 7, focused = 12, selected = 23, showing = 25 };
 
     // The program with this process id; absent when it is not on the accessibility bus.
     [[nodiscard]] static std::optional<Accessible> application(qint64 pid);
@@ -33,14 +33,8 @@ public:
     // The first object below this one, this one included, for which the test holds; depth first.
     [[nodiscard]] std::optional<Accessible> find(const std::function<bool(const Accessible &)> &test) const;
 
-    // All of them.
-    [[nodiscard]] std::vector<Accessible> all(const std::function<bool(const Accessible &)> &test) const;
-
     // Does what the object does when it is pressed; false when it can do nothing.
     [[nodiscard]] bool press() const;
-
-    // One line an object, indented: for the log of a test that failed.
-    [[nodiscard]] QString tree(int indent = 0) const;
 
     bool operator==(const Accessible &) const = default;
 
@@ -61,7 +55,7 @@ class SelectionEvents : public QObject {
     Q_OBJECT
 
 public:
-    explicit SelectionEvents(const QString &state = QStringLiteral("selected")); // or "focused"; from now on
+    explicit SelectionEvents(const QString &state = "selected"); // or "focused"; from now on
 
     [[nodiscard]] const std::vector<Accessible> &selected() const { return objects; }
 

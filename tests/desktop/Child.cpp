@@ -1,5 +1,6 @@
 #include "tests/desktop/Child.h"
 
+#include <QProcessEnvironment>
 #include <csignal>
 #include <sys/types.h>
 
@@ -7,7 +8,7 @@ Child::Child(const Setting &setting)
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const auto &variable : setting.variables)
-        environment.insert(variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
+        environment.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardInputFile(QProcess::nullDevice());
@@ -42,14 +43,14 @@ void Child::signal(int number) const
         ::kill(static_cast<pid_t>(id), number);
 }
 
-std::optional<int> Child::awaitExit(Desktop::Milliseconds bound)
+std::optional<int> Child::awaitExit()
 {
-    if (!awaitEnd(bound) || process.exitStatus() != QProcess::NormalExit || id == 0)
+    if (!awaitEnd() || process.exitStatus() != QProcess::NormalExit || id == 0)
         return std::nullopt;
     return process.exitCode();
 }
 
-bool Child::awaitEnd(Desktop::Milliseconds bound)
+bool Child::awaitEnd()
 {
-    return !isRunning() || process.waitForFinished(static_cast<int>(bound.count()));
+    return !isRunning() || process.waitForFinished(static_cast<int>(Desktop::patience.count()));
 }

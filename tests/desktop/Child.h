@@ -3,7 +3,6 @@
 #include "tests/desktop/Desktop.h"
 
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QStringList>
 
 // One program started by a test, with what it prints in a log file of its own. Destroying it ends the
@@ -12,9 +11,9 @@ class Child {
 public:
     struct Setting {
         QString program;
-        QStringList arguments;
-        QString log;           // path of a file; empty throws the output away
-        QStringList variables; // "NAME=value", added to our environment
+        QStringList arguments = {};
+        QString log = {};           // path of a file; empty throws the output away
+        QStringList variables = {}; // "NAME=value", added to our environment
     };
 
     // Starts it. A program that could not be started is one that is not running.
@@ -28,11 +27,9 @@ public:
 
     void signal(int number) const; // SIGTERM, SIGKILL, SIGSTOP, …
 
-    // The exit status when it ended by itself within `bound`; absent while it runs or when a signal ended it.
-    [[nodiscard]] std::optional<int> awaitExit(Desktop::Milliseconds bound = Desktop::patience);
-
-    // Waits until it has ended, however that came.
-    bool awaitEnd(Desktop::Milliseconds bound = Desktop::patience);
+    // The exit status when it ended by itself in time; absent while it runs or when a signal ended it.
+    [[nodiscard]] std::optional<int> awaitExit();
+    bool awaitEnd(); // however that came
 
 private:
     QProcess process;

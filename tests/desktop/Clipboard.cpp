@@ -5,9 +5,7 @@
 std::optional<QByteArray> Clipboard::read(const QByteArray &target) const
 {
     QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-                {QStringLiteral("-selection"), QStringLiteral("clipboard"), QStringLiteral("-o"),
-                 QStringLiteral("-t"), QString::fromLatin1(target)});
+    xclip.start("xclip", {"-selection", "clipboard", "-o", "-t", target});
     if (!xclip.waitForFinished(2000)) {
         xclip.kill();
         xclip.waitForFinished(1000);
@@ -35,15 +33,8 @@ bool Clipboard::set(const QByteArray &bytes, const QByteArray &target)
     const auto before = desktop.selectionOwner("CLIPBOARD");
     // -quiet keeps it in the foreground, so that it can be waited for and ended by its id.
     auto next = std::make_unique<Child>(Child::Setting{
-        QStringLiteral("xclip"),
-        {QStringLiteral("-quiet"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-         QStringLiteral("-t"), QString::fromLatin1(target), QStringLiteral("-i"), content->fileName()},
-        {},
-        {}});
-    const bool taken = desktop.waitFor([&] {
-        const auto owner = desktop.selectionOwner("CLIPBOARD");
-        return owner != XCB_NONE && owner != before;
-    });
+        "xclip", {"-quiet", "-selection", "clipboard", "-t", target, "-i", content->fileName()}});
+    const bool taken = desktop.awaitNewOwner(before);
     copier = std::move(next); // only now: ending the old owner first would be a change of its own
     return taken;
 }

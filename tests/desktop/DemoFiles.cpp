@@ -1,5 +1,5 @@
 #include "tests/desktop/SamplePicture.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <QFile>
 #include <QUrl>
@@ -7,169 +7,145 @@
 namespace {
 
 // Waits until Norvane has taken the selection from the program that copied.
-template <typename Choose>
-void awaitNewOwner(Stage &stage, const Choose &choose)
+void copyAgain(Stage &stage, const QString &words)
 {
     const auto before = stage.desktop.selectionOwner("CLIPBOARD");
-    choose();
-    require(stage.desktop.waitFor([&] {
-        const auto now = stage.desktop.selectionOwner("CLIPBOARD");
-        return now != XCB_NONE && now != before;
-    }),
-            QStringLiteral("nobody took the selection"));
+    stage.choose(words, "Alt+Enter");
+    require(stage.desktop.awaitNewOwner(before), "nobody took the selection");
 }
 
-void pictureRoundTrip(Stage &stage)
+STEP("a PNG comes back byte for byte")
 {
     const auto bytes = samplePicture();
     stage.copy(bytes, "image/png");
     const auto row = stage.rows().front();
-    require(row.kind == 2, QStringLiteral("recorded as kind %1, not as an image").arg(row.kind));
-    awaitNewOwner(stage, [&] { stage.choose({}, QStringLiteral("Alt+Enter")); });
-    require(stage.clipboard.owner()->awaitEnd(), QStringLiteral("xclip still owns the selection"));
-    require(stage.clipboard.read("image/png") == bytes, QStringLiteral("the picture came back changed"));
+    require(row.kind == 2, QString("recorded as kind %1, not as an image").arg(row.kind));
+    copyAgain(stage, {});
+    require(stage.clipboard.owner()->awaitEnd(), "xclip still owns the selection");
+    require(stage.clipboard.read("image/png") == bytes, "the picture came back changed");
 }
 
 struct Folder {
     QString path;
-    QStringList files; // full paths
+
+    [[nodiscard]] QStringList names() const { return QDir(path).entryList(QDir::Files, QDir::Name); }
+    [[nodiscard]] QStringList files() const
+    {
+        QStringList paths;
+        for (const auto &name : names())
+            paths << path + u'/' + name;
+        paths.sort();
+        return paths;
+    }
 };
+
+Folder makeFolder(Stage &stage, const QString &name)
+{
+    const Folder folder{stage.scratchFile(name)};
+    QDir().mkpath(folder.path);
+    return folder;
+}
 
 Folder makeFiles(Stage &stage)
 {
-    Folder folder{stage.scratchFile(QStringLiteral("orchard")), {}};
-    QDir().mkpath(folder.path);
-    for (const auto *name : {"apples.txt", "name with spaces.txt", "per\xc3\xa8 & c.txt"}) {
-        const QString path = folder.path + QLatin1Char('/') + QString::fromUtf8(name);
-        QFile file(path);
-        require(file.open(QIODevice::WriteOnly) && file.write(name) > 0,
-                QStringLiteral("cannot write ") + path);
-        folder.files << path;
+    const auto folder = makeFolder(stage, "orchard");
+    for (const char *name : {"apples.txt", "name with spaces.txt", "perè & c.txt"}) {
+        QFile file(folder.path + u'/' + name);
+        require(file.open(QIODevice::WriteOnly) && file.write(name) > 0, "cannot write " + file.fileName());
     }
     return folder;
 }
 
-struct FileManager {
-    std::unique_ptr<Child> program;
-    xcb_window_t window = XCB_NONE;
-};
-
-FileManager openFolder(Stage &stage, const QString &path)
+std::unique_ptr<Child> openFolder(Stage &stage, const Folder &folder)
 {
-    auto program = std::make_unique<Child>(Child::Setting{QStringLiteral("pcmanfm"),
-                                                          {QStringLiteral("--new-win"), path},
-                                                          stage.logFile(QStringLiteral("pcmanfm.log")),
-                                                          {}});
-    const auto window =
-        stage.desktop.awaitWindow({QStringLiteral("Pcmanfm"), QFileInfo(path).fileName(), {}, 0});
-    require(window.has_value(), QStringLiteral("pcmanfm opened no window"));
-    require(stage.desktop.activate(*window), QStringLiteral("pcmanfm did not become active"));
-    return {std::move(program), *window};
+    auto program = stage.run("pcmanfm", {"--new-win", folder.path});
+    stage.activate({"Pcmanfm", QFileInfo(folder.path).fileName()});
+    return program;
 }
 
-QStringList sorted(QStringList list)
+// Selects all and copies (or cuts), as often as it takes for the view to have its files. Their paths as
+// recorded.
+QStringList copyAllFiles(Stage &stage, const Folder &folder, const QString &chord = "Ctrl+C")
 {
-    list.sort();
-    return list;
-}
-
-// Selects all and copies (or cuts), as often as it takes for the view to have its files.
-HistoryFile::Row copyAllFiles(Stage &stage, const Folder &folder,
-                              const QString &chord = QStringLiteral("Ctrl+C"))
-{
-    const auto recorded = [&] {
-        stage.keyboard.press(QStringLiteral("Ctrl+A"));
-        stage.keyboard.press(chord);
-        return stage.desktop.waitFor(
-            [&] {
-                const auto now = stage.rows();
-                return !now.empty() && now.front().kind == 3 &&
-                       sorted(now.front().text.split(QLatin1Char('\n'))) == sorted(folder.files);
-            },
-            Desktop::Milliseconds(1500));
+    QStringList recorded;
+    const auto isRecorded = [&] {
+        const auto rows = stage.rows();
+        recorded = rows.empty() || rows.front().kind != 3 ? QStringList() : rows.front().text.split(u'\n');
+        QStringList sorted = recorded;
+        sorted.sort();
+        return sorted == folder.files();
     };
-    require(stage.desktop.waitFor(recorded), QStringLiteral("the files were not recorded"));
-    return stage.rows().front();
+    const auto copy = [&] {
+        stage.press("Ctrl+A");
+        stage.press(chord);
+    };
+    stage.repeat(copy, isRecorded, "the files were not recorded");
+    return recorded;
 }
 
-void fileLists(Stage &stage)
+// A folder that pcmanfm has only just opened takes no paste and says nothing: a person would do it again.
+void pasteInto(Stage &stage, const Folder &folder, const QStringList &names,
+               const std::function<void()> &paste)
+{
+    const auto isPasted = [&] {
+        paste();
+        return stage.desktop.waitFor([&] { return folder.names() == names; });
+    };
+    require(isPasted() || (folder.names().isEmpty() && isPasted()),
+            "the other folder holds: " + folder.names().join(u' '));
+}
+
+STEP("files copied in pcmanfm come back as lists for every file manager")
 {
     const auto folder = makeFiles(stage);
     QStringList order;
     {
-        const auto manager = openFolder(stage, folder.path);
-        order = copyAllFiles(stage, folder).text.split(QLatin1Char('\n'));
+        const auto manager = openFolder(stage, folder);
+        order = copyAllFiles(stage, folder);
     }
     stage.copy("something newer than the files");
-    awaitNewOwner(stage, [&] { stage.choose(QStringLiteral("apples"), QStringLiteral("Alt+Enter")); });
+    copyAgain(stage, "apples");
 
-    const auto copied =
-        stage.clipboard.read("x-special/gnome-copied-files").value_or(QByteArray()).split('\n');
-    require(copied.first() == "copy", QStringLiteral("the list for file managers does not begin with copy"));
-    QStringList paths;
-    for (const auto &line : copied.mid(1))
-        paths << QUrl::fromEncoded(line.trimmed()).toLocalFile();
-    require(paths == order,
-            QStringLiteral("x-special/gnome-copied-files names ") + paths.join(QLatin1Char(' ')));
-
-    paths.clear();
-    for (const auto &line : stage.clipboard.read("text/uri-list").value_or(QByteArray()).split('\n'))
-        if (!line.trimmed().isEmpty())
-            paths << QUrl::fromEncoded(line.trimmed()).toLocalFile();
-    require(paths == order, QStringLiteral("text/uri-list names ") + paths.join(QLatin1Char(' ')));
+    const auto pathsUnder = [&](const QByteArray &target) {
+        QStringList lines;
+        for (const auto &line : stage.clipboard.read(target).value_or(QByteArray()).split('\n'))
+            if (!line.trimmed().isEmpty())
+                lines << (line.startsWith("file:") ? QUrl::fromEncoded(line.trimmed()).toLocalFile() : line);
+        return lines;
+    };
+    for (const auto &[target, before] :
+         {std::pair{"x-special/gnome-copied-files", QStringList("copy")}, {"text/uri-list", QStringList()}}) {
+        const auto paths = pathsUnder(target);
+        require(paths == before + order, QString(target) + " names " + paths.join(u' '));
+    }
 }
 
-void filesPasted(Stage &stage)
+STEP("Enter in another folder of pcmanfm copies the files there")
 {
     const auto folder = makeFiles(stage);
+    const auto names = folder.names();
     {
-        const auto manager = openFolder(stage, folder.path);
+        const auto manager = openFolder(stage, folder);
         copyAllFiles(stage, folder);
     }
     stage.copy("something newer than the files");
-    const auto elsewhere = stage.scratchFile(QStringLiteral("barn"));
-    QDir().mkpath(elsewhere);
+    const auto elsewhere = makeFolder(stage, "barn");
     const auto manager = openFolder(stage, elsewhere);
-    const auto names = [](const QString &path) { return QDir(path).entryList(QDir::Files, QDir::Name); };
-    // A folder that pcmanfm has only just opened takes no paste and says nothing: a person would press again.
-    const auto pasted = [&] {
-        stage.choose(QStringLiteral("apples spaces"));
-        return stage.desktop.waitFor([&] { return names(elsewhere) == names(folder.path); });
-    };
-    require(pasted() || (names(elsewhere).isEmpty() && pasted()),
-            QStringLiteral("the other folder holds: ") + names(elsewhere).join(QLatin1Char(' ')));
-    require(names(folder.path).size() == folder.files.size(), QStringLiteral("the originals are gone"));
+    pasteInto(stage, elsewhere, names, [&] { stage.choose("apples spaces"); });
+    require(folder.names() == names, "the originals are gone");
 }
 
 // Reading the list of cut files makes pcmanfm forget that it cut them; that must not be seen.
-void filesMoved(Stage &stage)
+STEP("files cut in pcmanfm are moved by a paste elsewhere")
 {
     const auto folder = makeFiles(stage);
-    const auto names = [](const QString &path) { return QDir(path).entryList(QDir::Files, QDir::Name); };
-    const auto cut = names(folder.path);
-    const auto source = openFolder(stage, folder.path);
-    copyAllFiles(stage, folder, QStringLiteral("Ctrl+X"));
-    const auto elsewhere = stage.scratchFile(QStringLiteral("shed"));
-    QDir().mkpath(elsewhere);
+    const auto names = folder.names();
+    const auto source = openFolder(stage, folder);
+    copyAllFiles(stage, folder, "Ctrl+X");
+    const auto elsewhere = makeFolder(stage, "shed");
     const auto target = openFolder(stage, elsewhere);
-    const auto pasted = [&] {
-        stage.keyboard.press(QStringLiteral("Ctrl+V"));
-        return stage.desktop.waitFor([&] { return names(elsewhere) == cut; });
-    };
-    require(pasted() || (names(elsewhere).isEmpty() && pasted()),
-            QStringLiteral("the other folder holds: ") + names(elsewhere).join(QLatin1Char(' ')));
-    require(stage.desktop.waitFor([&] { return names(folder.path).isEmpty(); }),
-            QStringLiteral("the files were copied, not moved"));
+    pasteInto(stage, elsewhere, names, [&] { stage.press("Ctrl+V"); });
+    stage.await([&] { return folder.names().isEmpty(); }, "the files were copied, not moved");
 }
 
 } // namespace
-
-Steps fileSteps()
-{
-    return {
-        {"a PNG comes back byte for byte", pictureRoundTrip},
-        {"files copied in pcmanfm come back as lists for every file manager", fileLists},
-        {"Enter in another folder of pcmanfm copies the files there", filesPasted},
-        {"files cut in pcmanfm are moved by a paste elsewhere", filesMoved},
-    };
-}

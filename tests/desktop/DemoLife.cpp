@@ -1,75 +1,59 @@
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 
 #include <csignal>
 
 namespace {
 
-void secondStart(Stage &stage)
+STEP("a second start shows the panel and exits with status 0")
 {
-    Child second(stage.commandLine());
-    const auto status = second.awaitExit();
-    require(status.has_value(), QStringLiteral("the second start did not end by itself"));
-    require(*status == 0, QStringLiteral("the second start ended with status %1").arg(*status));
+    require(Child(stage.commandLine()).awaitExit() == 0, "the second start did not end with status 0");
     stage.awaitPanel();
-    Child third(stage.commandLine());
-    require(third.awaitExit() == 0, QStringLiteral("the third start failed"));
-    require(stage.desktop.staysFalse([&] { return !stage.panel(); }, Stage::quiet),
-            QStringLiteral("another start closed the panel instead of keeping it"));
+    require(Child(stage.commandLine()).awaitExit() == 0, "the third start did not end with status 0");
+    stage.never([&] { return !stage.panel(); }, "another start closed the panel instead of keeping it");
 }
 
-void killedAndRestarted(Stage &stage)
+STEP("what was copied outlives the program that copied it")
+{
+    stage.copy("outlives xclip");
+    stage.clipboard.owner()->signal(SIGKILL);
+    require(stage.clipboard.owner()->awaitEnd(), "xclip survived SIGKILL");
+    stage.awaitClipboard("outlives xclip");
+
+    const auto mousepad = stage.openMousepad("outlives mousepad");
+    const auto copyAll = [&] {
+        stage.press("Ctrl+A");
+        stage.press("Ctrl+C");
+    };
+    stage.repeat(
+        copyAll, [&] { return stage.isNewest("outlives mousepad"); }, "mousepad copied nothing");
+    const auto before = stage.rows().size();
+    stage.press("Ctrl+Q");
+    require(mousepad.program->awaitEnd(), "mousepad did not quit");
+    stage.awaitClipboard("outlives mousepad");
+    stage.never([&] { return stage.rows().size() != before; }, "taking it over was recorded as a copy");
+}
+
+STEP("kill -9 and a restart keep the history")
 {
     stage.copy("survives a kill");
     const auto before = stage.rows().size();
     stage.norvane().signal(SIGKILL);
-    require(stage.norvane().awaitEnd(), QStringLiteral("it survived SIGKILL"));
+    require(stage.norvane().awaitEnd(), "it survived SIGKILL");
     stage.start();
     require(stage.rows().size() == before,
-            QStringLiteral("%1 clips were kept, not %2").arg(stage.rows().size()).arg(before));
+            QString("%1 clips were kept, not %2").arg(stage.rows().size()).arg(before));
     const auto entry = stage.openQtEntry();
     stage.openPanel();
-    stage.awaitListed(qsizetype(before), QStringLiteral("after the restart"));
-    stage.keyboard.press(QStringLiteral("Enter"));
+    stage.awaitListed(qsizetype(before), "after the restart");
+    stage.press("Enter");
     stage.awaitContent(entry, "survives a kill");
 }
 
-void contentOutlivesItsProgram(Stage &stage)
-{
-    const auto isLeft = [&](const QByteArray &content) {
-        return stage.desktop.waitFor([&] { return stage.clipboard.read() == content; });
-    };
-    stage.copy("outlives xclip");
-    stage.clipboard.owner()->signal(SIGKILL);
-    require(stage.clipboard.owner()->awaitEnd(), QStringLiteral("xclip survived SIGKILL"));
-    require(isLeft("outlives xclip"), QStringLiteral("what xclip had is lost"));
-
-    const auto mousepad = stage.openMousepad("outlives mousepad");
-    stage.keyboard.press(QStringLiteral("Ctrl+A"));
-    stage.keyboard.press(QStringLiteral("Ctrl+C"));
-    stage.awaitNewest(QStringLiteral("outlives mousepad"));
-    const auto before = stage.rows().size();
-    stage.keyboard.press(QStringLiteral("Ctrl+Q"));
-    require(mousepad.program->awaitEnd(), QStringLiteral("mousepad did not quit"));
-    require(isLeft("outlives mousepad"), QStringLiteral("what mousepad had is lost"));
-    require(stage.desktop.staysFalse([&] { return stage.rows().size() != before; }, Stage::quiet),
-            QStringLiteral("taking it over was recorded as a copy"));
-}
-
-void quits(Stage &stage)
+STEP("SIGTERM quits with status 0")
 {
     stage.openPanel(); // with the panel open, which is the harder case
     stage.quit();
-    require(!stage.panel(), QStringLiteral("its panel is still there"));
+    require(!stage.panel(), "its panel is still there");
 }
 
 } // namespace
-
-Steps lifeSteps()
-{
-    return {
-        {"a second start shows the panel and exits with status 0", secondStart},
-        {"what was copied outlives the program that copied it", contentOutlivesItsProgram},
-        {"kill -9 and a restart keep the history", killedAndRestarted},
-        {"SIGTERM quits with status 0", quits},
-    };
-}

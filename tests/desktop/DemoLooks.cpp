@@ -1,161 +1,99 @@
 // How the panel looks where the desktop is dark, the screen finer and the copies are not plain English.
 #include "tests/desktop/SamplePicture.h"
 #include "tests/desktop/Screenshot.h"
-#include "tests/desktop/SelectionOwner.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/support/SettingsPortal.h"
 
-#include <QColor>
 #include <QFile>
 #include <QStandardPaths>
-#include <array>
 #include <cmath>
 
 namespace {
 
-struct Copy {
-    const char *text;
-    const char *what;
+// A long text, emoji, Arabic, Hebrew that is longer than its row, Hindi, lines, enough that the list must
+// scroll, and more lines than the preview is high.
+constexpr const char *copies[] = {
+    "The offer of the carpenter in Via Garibaldi, with the measures of the door, of the two windows and of "
+    "the stairs, "
+    "wants an answer until Thursday",
+    "Happy birthday 🎂🎉 from 👩‍👩‍👧 and 👋🏽",
+    "الاجتماع يوم الخميس في الطابق الثاني",
+    "הפגישה הועברה ליום חמישי בשעה עשר וחצי, קומה שנייה, בחדר הגדול ליד החלון",
+    "बैठक गुरुवार को है",
+    "first line\nsecond line\n\tthird line, behind a tab",
+    "one more, so that the list must scroll",
+    "and another, longer than the preview is "
+    "high\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15\n16\n17\n18\n19\n20\n"
+    "21\n22\n23\n24\n25\n26\n27\n28\n29\n30\n31\n32\n33\n34\n35\n36",
 };
 
-constexpr std::array<Copy, 8> copies{{
-    {"The offer of the carpenter in Via Garibaldi, with the measures of the door, of the two windows and of "
-     "the "
-     "stairs, wants an answer until Thursday",
-     "a long text"},
-    {"Happy birthday \xf0\x9f\x8e\x82\xf0\x9f\x8e\x89 from "
-     "\xf0\x9f\x91\xa9\xe2\x80\x8d\xf0\x9f\x91\xa9\xe2\x80\x8d\xf0\x9f\x91\xa7 "
-     "and \xf0\x9f\x91\x8b\xf0\x9f\x8f\xbd",
-     "emoji"},
-    {"\xd8\xa7\xd9\x84\xd8\xa7\xd8\xac\xd8\xaa\xd9\x85\xd8\xa7\xd8\xb9 \xd9\x8a\xd9\x88\xd9\x85 "
-     "\xd8\xa7\xd9\x84\xd8\xae\xd9\x85\xd9\x8a\xd8\xb3 \xd9\x81\xd9\x8a "
-     "\xd8\xa7\xd9\x84\xd8\xb7\xd8\xa7\xd8\xa8\xd9\x82 \xd8\xa7\xd9\x84\xd8\xab\xd8\xa7\xd9\x86\xd9\x8a",
-     "Arabic"},
-    {"\xd7\x94\xd7\xa4\xd7\x92\xd7\x99\xd7\xa9\xd7\x94 \xd7\x94\xd7\x95\xd7\xa2\xd7\x91\xd7\xa8\xd7\x94 "
-     "\xd7\x9c\xd7\x99\xd7\x95\xd7\x9d \xd7\x97\xd7\x9e\xd7\x99\xd7\xa9\xd7\x99 "
-     "\xd7\x91\xd7\xa9\xd7\xa2\xd7\x94 \xd7\xa2\xd7\xa9\xd7\xa8 \xd7\x95\xd7\x97\xd7\xa6\xd7\x99, "
-     "\xd7\xa7\xd7\x95\xd7\x9e\xd7\x94 \xd7\xa9\xd7\xa0\xd7\x99\xd7\x99\xd7\x94, "
-     "\xd7\x91\xd7\x97\xd7\x93\xd7\xa8 \xd7\x94\xd7\x92\xd7\x93\xd7\x95\xd7\x9c \xd7\x9c\xd7\x99\xd7\x93 "
-     "\xd7\x94\xd7\x97\xd7\x9c\xd7\x95\xd7\x9f",
-     "Hebrew, longer than the row"},
-    {"\xe0\xa4\xac\xe0\xa5\x88\xe0\xa4\xa0\xe0\xa4\x95\x20\xe0\xa4\x97\xe0\xa5\x81\xe0\xa4\xb0\xe0\xa5\x81"
-     "\xe0\xa4\xb5\xe0\xa4\xbe\xe0\xa4\xb0\x20\xe0\xa4\x95\xe0\xa5\x8b\x20\xe0\xa4\xb9\xe0\xa5\x88",
-     "Hindi"},
-    {"first line\nsecond line\n\tthird line, behind a tab", "lines"},
-    {"one more, so that the list must scroll", "a text"},
-    {"and another, longer than the preview is "
-     "high\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15\n16\n17\n18\n19\n20\n21\n22\n"
-     "23\n24\n25\n26\n27\n28\n29\n30\n31\n32\n33\n34\n35\n36",
-     "lines"},
-}};
-
-constexpr char longName[] = "The Very Long Name of a Program for Designing Doors and Windows and Stairs";
-
 // A history of its own, made once: other steps look at it on other screens.
-void fill(Stage &stage)
+void restart(Stage &stage, const QString &language, const QStringList &variables = {})
 {
+    stage.restart(language, "looks", variables);
     if (!stage.rows().empty())
         return;
     // A copy of the terminal, which no desktop entry names: its window class is then its name.
-    const QString terminal = stage.scratchFile(QStringLiteral("terminal"));
-    require(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("xterm")), terminal),
-            QStringLiteral("no copy of xterm"));
-    const Child program({terminal,
-                         {QStringLiteral("-class"), QString::fromLatin1(longName), QStringLiteral("-name"),
-                          QString::fromLatin1(longName), QStringLiteral("-e"), QStringLiteral("cat")},
-                         {},
-                         {}});
-    const auto window = stage.desktop.awaitWindow({QString::fromLatin1(longName), {}, {}, 0});
-    require(window && stage.desktop.activate(*window), QStringLiteral("no program with a long name"));
-    for (const auto &copy : copies)
-        stage.copy(copy.text);
+    const QString longName = "The Very Long Name of a Program for Designing Doors and Windows and Stairs";
+    const QString terminal = stage.scratchFile("terminal");
+    require(QFile::copy(QStandardPaths::findExecutable("xterm"), terminal), "no copy of xterm");
+    const Child program({terminal, {"-class", longName, "-name", longName, "-e", "cat"}});
+    stage.activate({longName});
+    for (const char *text : copies)
+        stage.copy(text);
     stage.openPanel();
-    stage.keyboard.press(QStringLiteral("Ctrl+P"));
-    require(stage.desktop.waitFor([&] { return stage.rows().front().pinned; }),
-            QStringLiteral("nothing was pinned"));
+    stage.press("Ctrl+P");
+    stage.await([&] { return stage.rows().front().pinned; }, "nothing was pinned");
     stage.closePanel();
     stage.copy(samplePicture(), "image/png");
 }
 
-void restart(Stage &stage, const QString &language, const QStringList &variables = {})
-{
-    stage.quit();
-    stage.start(language, QStringLiteral("looks"), variables);
-    fill(stage);
-}
-
-// Of the middle of the panel's lower edge, where nothing is drawn.
-int ground(const Stage &stage)
+QRect placeOf(const Stage &stage)
 {
     const auto panel = stage.panel();
-    if (!panel)
-        return -1;
-    const QRect place = stage.desktop.geometry(*panel);
-    const QImage seen = screenshot(stage.desktop, {place.center().x(), place.bottom() - 3, 1, 1});
-    return seen.isNull() ? -1 : QColor(seen.pixel(0, 0)).lightness();
+    return panel ? stage.desktop.geometry(*panel) : QRect();
 }
 
-void awaitGround(const Stage &stage, bool dark, const char *when)
+// By the middle of the panel's lower edge, where nothing is drawn.
+void awaitGround(const Stage &stage, bool dark, const QString &when)
 {
+    int lightness = -1;
     const auto isRight = [&] {
-        const int lightness = ground(stage);
-        return lightness >= 0 && (lightness < 100) == dark;
+        const QRect place = placeOf(stage);
+        lightness = lightnessAt(stage.desktop, QPoint(place.center().x(), place.bottom() - 3));
+        return !place.isEmpty() && lightness >= 0 && (lightness < 100) == dark;
     };
-    require(
-        stage.desktop.waitFor(isRight),
-        QStringLiteral("%1: the panel's lightness is %2").arg(QString::fromLatin1(when)).arg(ground(stage)));
+    require(stage.desktop.waitFor(isRight), when + QString(": the panel's lightness is %1").arg(lightness));
 }
 
-void awaitMenu(const Stage &stage)
+void shootMenu(const Stage &stage, const QString &name)
 {
-    require(stage.desktop.awaitWindow({QStringLiteral("norvane"), {}, true, 40}).has_value(),
-            QStringLiteral("no menu opened"));
+    require(stage.desktop.awaitWindow({"norvane", {}, true, 40}).has_value(), "no menu opened");
+    stage.saveScreenshot(name);
+    stage.press("Esc");
 }
 
-void openFieldMenu(const Stage &stage)
-{
-    const auto panel = stage.panel();
-    require(panel.has_value(), QStringLiteral("no panel is open"));
-    stage.keyboard.click(stage.desktop.geometry(*panel).topLeft() + QPoint(120, 25), 1, 3);
-    awaitMenu(stage);
-}
-
-void openStatusMenu(const Stage &stage)
-{
-    std::optional<Accessible> program; // the accessibility bus may be starting
-    require(stage.desktop.waitFor(
-                [&] { return (program = Accessible::application(stage.norvane().pid())).has_value(); }),
-            QStringLiteral("Norvane is not on the accessibility bus"));
-    const auto button = program->find([](const Accessible &part) {
-        return part.role() == QLatin1String("push button") && part.is(Accessible::State::showing);
-    });
-    require(button && button->press(), QStringLiteral("the menu button cannot be pressed"));
-    awaitMenu(stage);
-}
-
-void followsTheDesktop(Stage &stage)
+STEP("the panel is dark where the desktop is, and follows it while it is open")
 {
     SettingsPortal portal(1);
-    require(portal.isOnTheBus(), QStringLiteral("there is a settings portal already"));
-    restart(stage, QStringLiteral("en"));
+    require(portal.isOnTheBus(), "there is a settings portal already");
+    restart(stage, "en");
     stage.openPanel();
     awaitGround(stage, true, "at start");
-    stage.keyboard.press(QStringLiteral("Down"));
-    stage.saveScreenshot(QStringLiteral("panel-dark"));
-    openStatusMenu(stage);
-    stage.saveScreenshot(QStringLiteral("panel-dark-status-menu"));
-    stage.keyboard.press(QStringLiteral("Esc"));
+    stage.press("Down");
+    stage.saveScreenshot("panel-dark");
+    require(stage.awaitPart("push button").press(), "the menu button cannot be pressed");
+    shootMenu(stage, "panel-dark-status-menu");
     portal.change(2);
     awaitGround(stage, false, "light while it is open");
-    stage.saveScreenshot(QStringLiteral("panel-dark-to-light"));
+    stage.saveScreenshot("panel-dark-to-light");
     portal.change(1);
     awaitGround(stage, true, "dark again");
-    stage.saveScreenshot(QStringLiteral("panel-light-to-dark"));
-    stage.keyboard.type(QStringLiteral("the"));
-    stage.saveScreenshot(QStringLiteral("panel-dark-query"));
-    openFieldMenu(stage);
-    stage.saveScreenshot(QStringLiteral("panel-dark-menu"));
-    stage.keyboard.press(QStringLiteral("Esc"));
+    stage.saveScreenshot("panel-light-to-dark");
+    stage.type("the");
+    stage.saveScreenshot("panel-dark-query");
+    stage.keyboard.click(placeOf(stage).topLeft() + QPoint(120, 25), 1, 3); // in the search field
+    shootMenu(stage, "panel-dark-menu");
     stage.closePanel();
     portal.change(0);
     stage.openPanel();
@@ -163,28 +101,24 @@ void followsTheDesktop(Stage &stage)
 }
 
 // Light and dark, under a compositor that comes while the panel is open.
-void castsAShadow(Stage &stage)
+STEP("the panel casts a shadow where there is a compositor")
 {
     SettingsPortal portal(2);
-    require(portal.isOnTheBus(), QStringLiteral("there is a settings portal already"));
-    restart(stage, QStringLiteral("en"));
+    require(portal.isOnTheBus(), "there is a settings portal already");
+    restart(stage, "en");
     stage.keyboard.point(
         QPoint(300, 150)); // with no program in front it opens there, with free ground beside it
     const QRect panel = stage.desktop.geometry(stage.openPanel());
     const auto shade = [&](int beside) {
-        const QPoint place(panel.right() + beside, panel.center().y());
-        const QImage seen = screenshot(stage.desktop, QRect(place, QSize(1, 1)));
-        return seen.isNull() ? -1 : qGray(seen.pixel(0, 0));
+        return lightnessAt(stage.desktop, QPoint(panel.right() + beside, panel.center().y()));
     };
-    require(stage.desktop.waitFor([&] { return shade(4) == shade(60); }),
-            QStringLiteral("a shadow without a compositor"));
+    stage.await([&] { return shade(4) == shade(60); }, "a shadow without a compositor");
     const auto compositor = stage.startCompositor();
-    require(stage.desktop.waitFor([&] { return shade(4) < shade(60) - 8; }),
-            QStringLiteral("no shadow under a compositor"));
-    stage.saveScreenshot(QStringLiteral("panel-shadow"));
+    stage.await([&] { return shade(4) < shade(60) - 8; }, "no shadow under a compositor");
+    stage.saveScreenshot("panel-shadow");
     portal.change(1);
     awaitGround(stage, true, "dark under a compositor");
-    stage.saveScreenshot(QStringLiteral("panel-shadow-dark"));
+    stage.saveScreenshot("panel-shadow-dark");
 }
 
 // What is wrong with a corner, which is cut along a circle of 12 points in the pixels of the screen, line by
@@ -192,13 +126,10 @@ void castsAShadow(Stage &stage)
 QString cornerFault(const Stage &stage, const QRect &panel, double scale)
 {
     const int radius = qRound(12 * scale);
-    QImage corner;
-    const auto isPainted = [&] { // which comes after the keyboard
-        corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
-        return corner.pixel(0, 0) != corner.pixel(radius - 1, radius - 1);
-    };
-    require(stage.desktop.waitFor(isPainted), QStringLiteral("the panel's corner is not to be seen"));
+    const QImage corner = screenshot(stage.desktop, {panel.topLeft(), QSize(radius, radius)});
     const QRgb outside = corner.pixel(0, 0);
+    if (outside == corner.pixel(radius - 1, radius - 1))
+        return "the panel's corner is not to be seen"; // painted after the keyboard has come
     for (int line = 0; line < radius; ++line) {
         int inset = 0;
         while (inset < radius && corner.pixel(inset, line) == outside)
@@ -206,49 +137,28 @@ QString cornerFault(const Stage &stage, const QRect &panel, double scale)
         const double height = radius - line - 0.5;
         const double circle = radius - std::sqrt(radius * radius - height * height);
         if (std::abs(inset - circle) > 0.5)
-            return QStringLiteral("scale %1: line %2 of the corner begins at %3, not %4")
-                .arg(scale)
-                .arg(line)
-                .arg(inset)
-                .arg(circle);
+            return QString("line %1 of the corner begins at %2, not %3").arg(line).arg(inset).arg(circle);
     }
     return {};
 }
 
-void photographScaled(Stage &stage, const QString &language, const QStringList &variables, double scale,
-                      const QString &name)
+STEP("the panel on finer screens: 1, 1.5 and 2")
 {
-    restart(stage, language, variables);
-    const QRect panel = stage.desktop.geometry(stage.openPanel());
-    require(panel.width() >= 460 * scale, QStringLiteral("the panel is %1 pixels wide").arg(panel.width()));
-    QString fault; // until the panel is painted there is one
-    require(stage.desktop.waitFor([&] { return (fault = cornerFault(stage, panel, scale)).isEmpty(); }),
-            fault);
-    stage.saveScreenshot(name);
-    stage.closePanel();
-    stage.quit();
-}
-
-void finerScreens(Stage &stage)
-{
-    for (const char *language : {"en", "it"}) {
-        for (const char *factor : {"1", "1.5", "2"}) {
-            const auto name =
-                QStringLiteral("panel-scale-%1-%2").arg(QLatin1String(factor), QLatin1String(language));
-            photographScaled(stage, QString::fromLatin1(language),
-                             {QStringLiteral("QT_SCALE_FACTOR=") + QLatin1String(factor)},
-                             QByteArray(factor).toDouble(), name);
+    for (const QString language : {"en", "it"}) {
+        for (const QString factor : {"1", "1.5", "2"}) {
+            const double scale = factor.toDouble();
+            restart(stage, language, {"QT_SCALE_FACTOR=" + factor});
+            const QRect panel = stage.desktop.geometry(stage.openPanel());
+            require(panel.width() >= 460 * scale, QString("the panel is %1 pixels wide").arg(panel.width()));
+            QString fault;
+            const bool isRound =
+                stage.desktop.waitFor([&] { return (fault = cornerFault(stage, panel, scale)).isEmpty(); });
+            require(isRound, "scale " + factor + ": " + fault);
+            stage.saveScreenshot("panel-scale-" + factor + "-" + language);
+            stage.closePanel();
         }
     }
+    stage.quit(); // the next step starts it at a scale of 1
 }
 
 } // namespace
-
-Steps looksSteps()
-{
-    return {
-        {"the panel is dark where the desktop is, and follows it while it is open", followsTheDesktop},
-        {"the panel casts a shadow where there is a compositor", castsAShadow},
-        {"the panel on finer screens: 1, 1.5 and 2", finerScreens},
-    };
-}

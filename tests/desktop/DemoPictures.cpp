@@ -1,7 +1,6 @@
 // A picture outlives the program that it was copied in: small programs here, and Chromium and GIMP where both
 // are installed, as ./norvane test programs does.
-#include "tests/desktop/SelectionOwner.h"
-#include "tests/desktop/Stage.h"
+#include "tests/desktop/Step.h"
 #include "tests/programs/Browsers.h"
 #include "tests/programs/Pictures.h"
 
@@ -9,13 +8,31 @@
 
 namespace {
 
+bool isInstalled(const Program &program)
+{
+    return !QStandardPaths::findExecutable(program.package).isEmpty();
+}
+
 bool isPicture(const HistoryFile::Row &row)
 {
     return row.kind == 2;
 }
 
-void fromChromiumToGimp(Stage &stage)
+STEP("a picture is there after the program that it was copied in has closed")
 {
+    const auto bytes = pictureBytes(9);
+    stage.copyForms({{"image/png", bytes}}); // by a program that ends with it
+    const auto copied = stage.rows().front();
+    require(isPicture(copied), QString("recorded as kind %1, not as an image").arg(copied.kind));
+    stage.copy("something newer than the picture");
+    const auto inFront = stage.openTerminal();
+    pasteFromPanel(stage, copied, {});
+    require(stage.clipboard.read("image/png") == bytes, "the picture came back changed");
+}
+
+STEP("a picture copied in Chromium, then closed, is pasted in GIMP")
+{
+    leaveOutUnless(isInstalled(chromium()) && isInstalled(gimp()));
     HistoryFile::Row copied;
     QByteArray bytes;
     {
@@ -29,40 +46,8 @@ void fromChromiumToGimp(Stage &stage)
     pasteFromPanel(stage, copied, {});
     editor.awaitPaste();
     const auto same = [&](const QByteArray &again) { return pixels(again) == pixels(bytes); };
-    require(!bytes.isEmpty() && same(editor.copiedAgain("image/png", same)),
-            QStringLiteral("GIMP shows another picture"));
-    stage.saveScreenshot(QStringLiteral("picture-in-gimp"));
-}
-
-void fromClosedProgram(Stage &stage)
-{
-    const auto bytes = pictureBytes(9);
-    const auto count = stage.rows().size();
-    {
-        SelectionOwner browser({{"image/png", bytes}});
-        require(browser.claim(), QStringLiteral("the selection was not to be had"));
-        require(stage.desktop.waitFor([&] { return stage.rows().size() > count; }),
-                QStringLiteral("the picture was not recorded"));
-    }
-    const auto copied = stage.rows().front();
-    require(isPicture(copied), QStringLiteral("recorded as kind %1, not as an image").arg(copied.kind));
-    stage.copy("something newer than the picture");
-    const auto inFront = stage.openTerminal();
-    pasteFromPanel(stage, copied, {});
-    require(stage.clipboard.read("image/png") == bytes, QStringLiteral("the picture came back changed"));
-}
-
-bool isInstalled(const Program &program)
-{
-    return !QStandardPaths::findExecutable(program.package).isEmpty();
+    require(!bytes.isEmpty() && same(editor.copiedAgain("image/png", same)), "GIMP shows another picture");
+    stage.saveScreenshot("picture-in-gimp");
 }
 
 } // namespace
-
-Steps pictureSteps()
-{
-    Steps steps{{"a picture is there after the program that it was copied in has closed", fromClosedProgram}};
-    if (isInstalled(chromium()) && isInstalled(gimp()))
-        steps.push_back({"a picture copied in Chromium, then closed, is pasted in GIMP", fromChromiumToGimp});
-    return steps;
-}

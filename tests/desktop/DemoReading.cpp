@@ -1,27 +1,14 @@
 // Pictures of windows, read in the background.
 #include "tests/desktop/Screenshot.h"
-#include "tests/desktop/Stage.h"
-
-#include <QBuffer>
+#include "tests/desktop/Step.h"
+#include "tests/support/Captures.h"
 
 namespace {
-
-constexpr Desktop::Milliseconds patience{60000}; // images are read when nothing else wants to run
-
-QByteArray png(const QImage &image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
 
 // Photographs a window and copies the picture; gives what was read in it.
 QString copyPicture(Stage &stage, xcb_window_t window)
 {
-    const QImage picture = steadyScreenshot(stage.desktop, stage.desktop.geometry(window));
-    stage.copy(png(picture), "image/png");
+    stage.copy(encoded(steadyScreenshot(stage.desktop, stage.desktop.geometry(window))), "image/png");
     const auto id = stage.rows().front().id;
     QString text;
     const auto isRead = [&] {
@@ -31,11 +18,12 @@ QString copyPicture(Stage &stage, xcb_window_t window)
         }
         return !text.isEmpty();
     };
-    require(stage.desktop.waitFor(isRead, patience), QStringLiteral("the picture was not read"));
+    // Images are read when nothing else wants to run.
+    stage.await(isRead, "the picture was not read", Desktop::Milliseconds(60000));
     return text;
 }
 
-void readWindow(Stage &stage)
+STEP("a picture of a window is read, found by its words and pasted as text")
 {
     QString text;
     {
@@ -43,32 +31,20 @@ void readWindow(Stage &stage)
             "Invoice no. 118 of the carpenter\n\nThe oak staircase is due on Thursday\nAmount: 1240 euro\n");
         text = copyPicture(stage, editor.window);
     }
-    require(text.contains(QStringLiteral("oak staircase")), QStringLiteral("read: ") + text);
+    require(text.contains("oak staircase"), "read: " + text);
     stage.copy("something newer than the picture");
     stage.openPanel();
-    stage.keyboard.type(QStringLiteral("thursday invoice"));
-    stage.awaitListed(1, QStringLiteral("two words of the picture, in another order"));
-    stage.saveScreenshot(QStringLiteral("panel-picture"));
+    stage.type("thursday invoice");
+    stage.awaitListed(1, "two words of the picture, in another order");
+    stage.saveScreenshot("panel-picture");
     stage.closePanel();
 
     const auto editor = stage.openMousepad();
-    stage.choose(QStringLiteral("staircase carpenter"), QStringLiteral("Shift+Enter"));
-    const auto saved = [&] {
-        stage.keyboard.press(QStringLiteral("Ctrl+S")); // until the editor has taken the paste
-        return stage.desktop.waitFor([&] { return !editor.content().isEmpty(); }, Desktop::Milliseconds(300));
-    };
-    stage.desktop.waitFor(saved);
-    stage.awaitContent(editor, text.toUtf8());
+    stage.choose("staircase carpenter", "Shift+Enter");
+    stage.awaitSaved(editor, text.toUtf8());
     require(stage.clipboard.targets().contains("UTF8_STRING") &&
                 !stage.clipboard.targets().contains("image/png"),
-            QStringLiteral("the clipboard still offers the picture"));
+            "the clipboard still offers the picture");
 }
 
 } // namespace
-
-Steps readingSteps()
-{
-    return {
-        {"a picture of a window is read, found by its words and pasted as text", readWindow},
-    };
-}

@@ -1,6 +1,7 @@
 #include "tests/desktop/Desktop.h"
 
 #include <QList>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -18,6 +19,12 @@ constexpr std::chrono::milliseconds lookAgain{10};
 constexpr std::chrono::milliseconds byItself{300}; // a window manager activates what has just been opened
 
 using Clock = std::chrono::steady_clock;
+
+Owned<xcb_get_window_attributes_reply_t> attributesOf(xcb_connection_t *xcb, xcb_window_t window)
+{
+    return Owned<xcb_get_window_attributes_reply_t>(
+        xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, window), nullptr));
+}
 
 } // namespace
 
@@ -111,8 +118,7 @@ bool Desktop::matches(xcb_window_t window, const WindowMatch &match) const
         return false;
     if (!match.title.isEmpty() && !title(window).contains(match.title))
         return false;
-    const Owned<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, window), nullptr));
+    const auto attributes = attributesOf(xcb, window);
     if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
         return false;
     if (match.overrideRedirect && *match.overrideRedirect != bool(attributes->override_redirect))
@@ -131,17 +137,32 @@ bool Desktop::activate(xcb_window_t window) const
     // later.
     if (waitFor(isActive, byItself))
         return true;
+    askManager(window, "_NET_ACTIVE_WINDOW", {2});
+    return waitFor(isActive);
+}
+
+void Desktop::askManager(xcb_window_t window, const QByteArray &type,
+                         const std::array<uint32_t, 4> &data) const
+{
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
-    message.type = atom("_NET_ACTIVE_WINDOW");
-    message.data.data32[0] = 2; // asked by the user, as a pager asks
+    message.type = atom(type);
+    std::copy(data.begin(), data.end(), message.data.data32);
     xcb_send_event(xcb, 0, shown->root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&message));
     xcb_flush(xcb);
-    return waitFor(isActive);
+}
+
+void Desktop::place(xcb_window_t window, QPoint where, QSize size) const
+{
+    const int32_t values[] = {where.x(), where.y(), size.width(), size.height()};
+    const int both = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
+    const int all = both | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+    xcb_configure_window(xcb, window, static_cast<uint16_t>(size.isEmpty() ? both : all), values);
+    xcb_flush(xcb);
 }
 
 bool Desktop::hasKeyboard(xcb_window_t window) const
@@ -162,8 +183,7 @@ bool Desktop::hasKeyboard(xcb_window_t window) const
 
 bool Desktop::isViewable(xcb_window_t window) const
 {
-    const Owned<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, window), nullptr));
+    const auto attributes = attributesOf(xcb, window);
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
@@ -222,6 +242,14 @@ xcb_window_t Desktop::selectionOwner(const QByteArray &selection) const
     const Owned<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(xcb, xcb_get_selection_owner(xcb, atom(selection)), nullptr));
     return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
+}
+
+bool Desktop::awaitNewOwner(xcb_window_t before) const
+{
+    return waitFor([&] {
+        const auto now = selectionOwner("CLIPBOARD");
+        return now != XCB_NONE && now != before;
+    });
 }
 
 void Desktop::paintBackground(quint32 rgb) const

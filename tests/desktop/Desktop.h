@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <QString>
+#include <array>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -11,9 +12,9 @@
 // What a window says about itself. Titles match by containing, everything else exactly; an empty field
 // matches all.
 struct WindowMatch {
-    QString className; // the second string of WM_CLASS
-    QString title;
-    std::optional<bool> overrideRedirect;
+    QString className = {}; // the second string of WM_CLASS
+    QString title = {};
+    std::optional<bool> overrideRedirect = {};
     int minimumWidth = 0; // pixels: tells a panel from its menus and tooltips
     int depth = 3;        // below the root: a client stands at most two frames below it, a tray's icon deeper
 };
@@ -48,12 +49,21 @@ public:
     [[nodiscard]] std::optional<xcb_window_t> awaitWindow(const WindowMatch &match,
                                                           Milliseconds bound = patience) const;
 
+    // The owner of CLIPBOARD is another than before, and not none.
+    [[nodiscard]] bool awaitNewOwner(xcb_window_t before) const;
+
     // Makes a window the active one, through the window manager where there is one, and waits until it has
     // the keyboard.
     bool activate(xcb_window_t window) const;
 
     // The keyboard goes to the window or to one inside it.
     [[nodiscard]] bool hasKeyboard(xcb_window_t window) const;
+
+    // Asks the window manager for something in the user's name, as a pager does.
+    void askManager(xcb_window_t window, const QByteArray &type, const std::array<uint32_t, 4> &data) const;
+
+    // Moves a window, or gives it another size too, as a program does.
+    void place(xcb_window_t window, QPoint where, QSize size = {}) const;
 
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
     [[nodiscard]] QRect geometry(xcb_window_t window) const; // root coordinates, without the frame

@@ -22,9 +22,6 @@ public:
     // Newest first. Absent while there is no readable file.
     [[nodiscard]] std::optional<std::vector<Row>> rows() const;
 
-    // The bytes kept for a clip under a type; absent when there are none.
-    [[nodiscard]] std::optional<QByteArray> format(qint64 clip, const QByteArray &type) const;
-
     // Whether any clip, in its text or in any kept format, holds these bytes.
     [[nodiscard]] bool holds(const QByteArray &bytes) const;
 

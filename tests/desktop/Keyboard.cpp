@@ -88,7 +88,7 @@ bool Keyboard::press(const QString &chord, Desktop::Milliseconds held) const
 {
     const Layout layout(desktop.connection());
     std::vector<xcb_keycode_t> keys;
-    for (const auto &name : chord.split(QLatin1Char('+'))) {
+    for (const auto &name : chord.split(u'+')) {
         const auto stroke = layout.strokeFor(symbolOfName(name));
         if (!stroke)
             return false;

@@ -23,6 +23,12 @@ QImage screenshot(const Desktop &desktop, QRect part)
         .copy();
 }
 
+int lightnessAt(const Desktop &desktop, QPoint place)
+{
+    const QImage seen = screenshot(desktop, QRect(place, QSize(1, 1)));
+    return seen.isNull() ? -1 : qGray(seen.pixel(0, 0));
+}
+
 QImage steadyScreenshot(const Desktop &desktop, QRect part)
 {
     QImage last = screenshot(desktop, part);

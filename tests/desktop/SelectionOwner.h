@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QString>
-#include <memory>
-#include <utility>
+#include "tests/desktop/Desktop.h"
+
+#include <QByteArrayList>
+#include <atomic>
+#include <mutex>
+#include <thread>
 
 // A program that owns the CLIPBOARD with content of our choosing and remembers all that it was asked for.
 //
@@ -14,7 +15,7 @@ class SelectionOwner {
 public:
     using Content = QList<std::pair<QByteArray, QByteArray>>; // target and bytes, in the offered order
 
-    explicit SelectionOwner(Content content);
+    explicit SelectionOwner(Content offered) : content(std::move(offered)) {}
     ~SelectionOwner();
     SelectionOwner(const SelectionOwner &) = delete;
     SelectionOwner &operator=(const SelectionOwner &) = delete;
@@ -26,11 +27,23 @@ public:
     [[nodiscard]] bool claim();
 
     // The targets that were asked for so far, in order, TARGETS among them.
-    [[nodiscard]] QList<QByteArray> requested() const;
+    [[nodiscard]] QByteArrayList requested() const;
 
-    [[nodiscard]] bool lost() const; // somebody else has the selection now
+    [[nodiscard]] bool lost() const { return over; } // somebody else has the selection now
 
 private:
-    struct State;
-    std::unique_ptr<State> state;
+    void serve();
+    void answer(const xcb_selection_request_event_t &request);
+    bool fill(const xcb_selection_request_event_t &request, xcb_atom_t property, const QByteArray &target);
+    [[nodiscard]] QByteArray nameOf(xcb_atom_t atom) const;
+    [[nodiscard]] xcb_window_t makeWindow(QSize size) const;
+
+    const Content content;
+    const Desktop server;
+    xcb_connection_t *const xcb = server.connection();
+    const xcb_window_t window = makeWindow({1, 1});
+    std::atomic<bool> over = false;
+    mutable std::mutex mutex;
+    QByteArrayList asked;
+    std::thread thread;
 };

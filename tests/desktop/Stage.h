@@ -11,11 +11,13 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <memory>
+#include <stdexcept>
 
-// A step of the demonstration did not show what it should. Thrown by require() and by everything here that
-// waits for something; the table of steps catches it, so that a step reads as what the user does and nothing
-// else.
-struct StepFailure {
+// Something did not show what it should. Thrown by require() and by everything here that waits, so that a
+// step of the demonstration, or a test, reads as what the user does and nothing else.
+struct StepFailure : std::runtime_error {
+    explicit StepFailure(const QString &reason) : std::runtime_error(reason.toStdString()), why(reason) {}
+
     QString why;
 };
 
@@ -26,17 +28,21 @@ struct Target {
     std::unique_ptr<Child> program;
     xcb_window_t window = XCB_NONE;
     QString file;
-    QString viewFile; // the Qt program's second field
+    QString viewFile = {}; // the Qt program's second field
 
     [[nodiscard]] QByteArray content() const;
+    [[nodiscard]] QByteArray viewContent() const;
 };
 
-// The desktop of the demonstration and the program shown on it.
+// A desktop and the program shown on it.
 //
 // Norvane runs as a user's does, with its own settings and data below a scratch folder. Whatever a step
 // starts it also ends; the history stays from step to step.
 class Stage {
 public:
+    using Milliseconds = Desktop::Milliseconds;
+    using Condition = std::function<bool()>;
+
     // `program` is norvane, `output` takes screenshots and logs.
     Stage(QString program, const QDir &output);
     ~Stage();
@@ -45,22 +51,32 @@ public:
     Keyboard keyboard{desktop};
     Clipboard clipboard{desktop};
 
-    static constexpr Desktop::Milliseconds finger{100}; // how long a hot key stays down under a hand
-    static constexpr Desktop::Milliseconds quiet{
-        700}; // two polls of the clipboard: what did not happen by then won't
+    static constexpr Milliseconds finger{100}; // how long a hot key stays down under a hand
+    static constexpr Milliseconds quiet{700}; // two polls of the clipboard: what did not happen by then won't
+
+    // What must come, and what must not within the span; `why` says what it means where it fails.
+    void await(const Condition &condition, const QString &why, Milliseconds bound = Desktop::patience) const;
+    void never(const Condition &condition, const QString &why, Milliseconds span = quiet) const;
+    // Does something again and again, as a person does whose program was not ready, until the condition
+    // holds.
+    void repeat(const std::function<void()> &act, const Condition &until, const QString &why,
+                Milliseconds attempt = Milliseconds(1500)) const;
 
     // Starts Norvane and waits until it answers. `data` names its data folder: another one, another history.
     // `variables` ("NAME=value") are added to its environment.
-    void start(const QString &language = QStringLiteral("en"), const QString &data = QStringLiteral("data"),
+    void start(const QString &language = "en", const QString &data = "data",
                const QStringList &variables = {});
-    void quit(); // by SIGTERM; requires exit status 0
+    void launch(const QString &language, const QString &data,
+                const QStringList &variables); // without waiting
+    void quit();                               // by SIGTERM; requires exit status 0
+    void restart(const QString &language, const QString &data, const QStringList &variables = {});
     [[nodiscard]] Child &norvane() const { return *running; }
     [[nodiscard]] bool isRunning() const { return running && running->isRunning(); }
     [[nodiscard]] HistoryFile history() const;
     [[nodiscard]] std::vector<HistoryFile::Row> rows() const; // requires a readable history
 
     // The command line of a second start, which asks the first to show its panel.
-    [[nodiscard]] Child::Setting commandLine() const;
+    [[nodiscard]] Child::Setting commandLine(const QStringList &arguments = {}) const;
 
     // Whether the panel is to be a managed window, as in a Wayland session.
     bool managedPanel = false;
@@ -71,35 +87,53 @@ public:
     void awaitNoPanel() const;
     xcb_window_t openPanel() const; // by the hot key
     void closePanel() const;        // by Esc, as often as it takes; never fails
-    void hotKey(Desktop::Milliseconds held = finger) const;
+    void hotKey(Milliseconds held = finger) const;
+    void press(const QString &chord, Milliseconds held = {}) const;
+    void type(const QString &text) const;
+
+    // Hot key and a text with no pause in between, as fast as fingers can be. The text has to be in the
+    // search field and nothing in the program in front; but a machine too busy to show the panel in time has
+    // to give the keyboard back, so that this counts where it succeeds once in three times.
+    void typeAhead(const QString &text, const Target &front) const;
+
+    // Hot key, a few words and, with no pause in between, the last chord.
+    void choose(const QString &words, const QString &chord = "Enter") const;
 
     // What the panel says to a screen reader.
     [[nodiscard]] QString searchText() const;
     [[nodiscard]] QString searchName() const;
     [[nodiscard]] bool searchHasFocus() const;
+    void awaitSearch(const QString &text) const;
     [[nodiscard]] QStringList listed() const;
     [[nodiscard]] QString countText() const;
     // The part that a screen reader would call this; any name when that is empty.
     Accessible awaitPart(const QString &role, const QString &name = {}) const;
     void awaitListed(qsizetype count, const QString &when) const;
 
-    // Hot key, a few words and the last chord, with no pause in between: as fast as fingers can be.
-    void choose(const QString &words, const QString &chord = QStringLiteral("Enter")) const;
-
     // Copies through another program and waits until it is recorded.
     void copy(const QByteArray &bytes, const QByteArray &target = "UTF8_STRING");
     void copyForms(const SelectionOwner::Content &content); // the same copy in several forms
+    void copyAndPin(const QByteArray &bytes);
     [[nodiscard]] bool isNewest(const QString &text) const;
     HistoryFile::Row awaitNewest(const QString &text) const;
+    void awaitClipboard(const QByteArray &bytes, const QByteArray &target = "UTF8_STRING") const;
 
+    // A program with its own log.
+    std::unique_ptr<Child> run(const QString &program, const QStringList &arguments = {}) const;
+    xcb_window_t activate(const WindowMatch &match) const; // awaits its window
     // Programs to paste into, active and empty.
     Target openTerminal();
     Target openQtEntry();
     Target openMousepad(const QByteArray &content = {});
-    // A compositor, drawing the screen when this returns.
-    std::unique_ptr<Child> startCompositor();
+    // A compositor or a tray, at work when this returns.
+    std::unique_ptr<Child> startCompositor() const;
+    std::unique_ptr<Child> startTray() const;
 
     void awaitContent(const Target &target, const QByteArray &expected) const;
+    void awaitView(const Target &target, const QByteArray &expected) const;
+    void awaitSaved(const Target &editor,
+                    const QByteArray &expected) const; // which saves until it has the paste
+    void awaitKeyboard(xcb_window_t window) const;
 
     // A fresh path in the scratch folder.
     QString scratchFile(const QString &suffix);
@@ -107,6 +141,7 @@ public:
     void saveScreenshot(const QString &name) const;
 
 private:
+    [[nodiscard]] std::optional<Accessible> part(const std::function<bool(const Accessible &)> &test) const;
     [[nodiscard]] std::optional<Accessible> searchField() const;
     Target opened(std::unique_ptr<Child> program, const WindowMatch &match, const QString &file) const;
 
@@ -119,22 +154,3 @@ private:
     std::unique_ptr<Child> running;
     int files = 0;
 };
-
-// One thing that the demonstration shows. `show` returns when it was seen and throws StepFailure otherwise.
-struct Step {
-    const char *name;
-    void (*show)(Stage &);
-};
-using Steps = std::vector<Step>;
-
-Steps textSteps();
-Steps fileSteps();
-Steps readingSteps();
-Steps pictureSteps();
-Steps privacySteps();
-Steps panelSteps();
-Steps lifeSteps();
-Steps screenSteps();
-Steps looksSteps();
-Steps viewSteps();
-Steps traySteps();

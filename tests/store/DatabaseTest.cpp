@@ -10,138 +10,92 @@ namespace {
 
 class DatabaseTest : public ::testing::Test {
 protected:
-    DatabaseTest() : db(Database::open(path()))
-    {
-        db->exec("CREATE TABLE things(id INTEGER PRIMARY KEY, value)");
-    }
+    DatabaseTest() { db->exec("CREATE TABLE things(id INTEGER PRIMARY KEY, value)"); }
 
-    QString path() const { return folder.path() + QStringLiteral("/things.sqlite"); }
-
-    QString typeOf(const SQLValue &value)
-    {
-        QString type;
-        db->run("INSERT INTO things(value) VALUES(?)", {value});
-        db->query("SELECT typeof(value) || length(value) FROM things ORDER BY id DESC LIMIT 1", {},
-                  [&type](const SQLRow &row) { type = row.text(0).value_or(QStringLiteral("null")); });
-        return type;
-    }
+    bool insert(qint64 id) { return db->run("INSERT INTO things(id) VALUES(?)", {id}); }
 
     LogLines log;
     QTemporaryDir folder;
-    std::unique_ptr<Database> db;
+    const QString path = folder.filePath("things.sqlite");
+    std::unique_ptr<Database> db = Database::open(path);
 };
-
-mode_t modeOf(const QString &path)
-{
-    struct stat status = {};
-    ::stat(QFile::encodeName(path).constData(), &status);
-    return status.st_mode & 0777;
-}
 
 } // namespace
 
-TEST_F(DatabaseTest, BindsEveryKindOfValue)
+TEST_F(DatabaseTest, KeepsNothingApartFromEmptyAndATextUpToItsNul)
 {
-    EXPECT_EQ(typeOf(qint64{12}), QStringLiteral("integer2"));
-    EXPECT_EQ(typeOf(1.5), QStringLiteral("real3"));
-    EXPECT_EQ(typeOf(QStringLiteral("caffè")), QStringLiteral("text5"));
-    EXPECT_EQ(typeOf(QString()), QStringLiteral("text0"));
-    EXPECT_EQ(typeOf(QByteArray("\0\1", 2)), QStringLiteral("blob2"));
-    EXPECT_EQ(typeOf(QByteArray()), QStringLiteral("blob0"));
-    EXPECT_EQ(typeOf(nullptr), QStringLiteral("null"));
-    EXPECT_EQ(typeOf(QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b"))), QStringLiteral("text1"));
-}
-
-TEST_F(DatabaseTest, ReadsBackWhatItWasGiven)
-{
-    const QString text = QChar(0xFEFF) + QStringLiteral("👨‍👩‍👧 caffè");
-    db->run("INSERT INTO things(value) VALUES(?), (?), (NULL)", {text, QByteArray("")});
-    std::vector<std::optional<QByteArray>> blobs;
-    QString read;
-    db->query("SELECT value FROM things", {}, [&](const SQLRow &row) {
-        if (blobs.empty())
-            read = *row.text(0);
-        blobs.push_back(row.blob(0));
-    });
-    EXPECT_EQ(read, text);
-    ASSERT_EQ(blobs.size(), 3u);
-    EXPECT_EQ(blobs[1], QByteArray(""));
-    EXPECT_EQ(blobs[2], std::nullopt);
+    const QString text = QChar(0xFEFF) + QString("👨‍👩‍👧 caffè");
+    const struct {
+        SQLValue value;
+        const char *type;
+        std::optional<QByteArray> bytes;
+    } cases[] = {
+        {text, "text", text.toUtf8()}, {QString(QString("a") + QChar(0) + "b"), "text", "a"},
+        {QString(), "text", ""},       {QByteArray("\0\1", 2), "blob", QByteArray("\0\1", 2)},
+        {QByteArray(), "blob", ""},    {nullptr, "null", std::nullopt},
+    };
+    for (const auto &each : cases) {
+        db->run("INSERT INTO things(value) VALUES(?)", {each.value});
+        db->query("SELECT value, typeof(value) FROM things ORDER BY id DESC LIMIT 1", {},
+                  [&](const SQLRow &row) {
+                      EXPECT_EQ(row.text(1), QString(each.type));
+                      EXPECT_EQ(row.blob(0), each.bytes) << each.type;
+                      EXPECT_EQ(row.text(0).has_value(), each.bytes.has_value());
+                  });
+    }
 }
 
 TEST_F(DatabaseTest, LogsAFailureOnceAndGoesOn)
 {
     EXPECT_FALSE(db->run("SELEC 1"));
-    EXPECT_EQ(log.lines, QStringList{QStringLiteral("Norvane SQL: near \"SELEC\": syntax error — SELEC 1")});
     EXPECT_FALSE(db->exec("INSERT INTO things(id) VALUES(1); nonsense; INSERT INTO things(id) VALUES(2)"));
-    EXPECT_FALSE(db->run("INSERT INTO things(id) VALUES(?)", {qint64{1}}));
-    EXPECT_EQ(log.lines.size(), 3);
-    EXPECT_EQ(log.lines.last(), QStringLiteral("Norvane SQL: UNIQUE constraint failed: things.id — "
-                                               "INSERT INTO things(id) VALUES(?)"));
-    EXPECT_TRUE(db->run("INSERT INTO things(id) VALUES(?)", {qint64{2}}));
+    EXPECT_FALSE(insert(1));
+    EXPECT_FALSE(db->run("INSERT INTO things(id) VALUES(?)", {qint64{7}, qint64{8}})) << "too many values";
+    ASSERT_EQ(log.lines.size(), 4);
+    EXPECT_EQ(log.lines[0], "Norvane SQL: near \"SELEC\": syntax error — SELEC 1");
+    EXPECT_EQ(log.lines[2],
+              "Norvane SQL: UNIQUE constraint failed: things.id — INSERT INTO things(id) VALUES(?)");
+    EXPECT_TRUE(insert(2));
+    EXPECT_TRUE(insert(7));
     EXPECT_FALSE(db->isDamaged());
-}
-
-TEST_F(DatabaseTest, BindsTooManyValuesAsAFailure)
-{
-    EXPECT_FALSE(db->run("INSERT INTO things(id) VALUES(?)", {qint64{7}, qint64{8}}));
-    EXPECT_EQ(log.lines.size(), 1);
-    EXPECT_TRUE(db->run("INSERT INTO things(id) VALUES(?)", {qint64{7}}));
 }
 
 TEST_F(DatabaseTest, AStatementRunsInsideItself)
 {
     db->exec("INSERT INTO things(id) VALUES(1), (2), (3)");
-    int inner = 0;
-    int outer = 0;
-    db->query("SELECT id FROM things", {}, [&](const SQLRow &) {
-        ++outer;
-        db->query("SELECT id FROM things", {}, [&](const SQLRow &) { ++inner; });
+    QStringList pairs;
+    db->query("SELECT id FROM things", {}, [&](const SQLRow &outer) {
+        db->query("SELECT id FROM things", {},
+                  [&](const SQLRow &inner) { pairs += *outer.text(0) + *inner.text(0); });
     });
-    EXPECT_EQ(outer, 3);
-    EXPECT_EQ(inner, 9);
-}
-
-TEST_F(DatabaseTest, NamesColumns)
-{
-    EXPECT_EQ(db->columns("things"), (QStringList{QStringLiteral("id"), QStringLiteral("value")}));
-    EXPECT_TRUE(db->columns("nothing").isEmpty());
+    EXPECT_EQ(pairs.join(u' '), "11 12 13 21 22 23 31 32 33");
 }
 
 TEST_F(DatabaseTest, FilesAreForTheUserAlone)
 {
-    db->exec("INSERT INTO things(id) VALUES(1)");
-    for (const char *suffix : {"", "-wal", "-shm"})
-        EXPECT_EQ(modeOf(path() + QLatin1String(suffix)), 0600u) << suffix;
-    ::chmod(QFile::encodeName(path()).constData(), 0644);
-    const auto second = Database::open(path());
-    EXPECT_EQ(modeOf(path()), 0600u);
-}
-
-TEST_F(DatabaseTest, SaysWhichFileCannotBeOpened)
-{
-    for (const QString &place :
-         QStringList{folder.path() + QStringLiteral("/missing/clips.sqlite"), folder.path()}) {
-        log.lines.clear();
-        EXPECT_EQ(Database::open(place), nullptr);
-        EXPECT_EQ(log.lines, QStringList{QStringLiteral("Norvane: cannot open database at ") + place});
+    insert(1);
+    ::chmod(QFile::encodeName(path).constData(), 0644);
+    const auto second = Database::open(path);
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        struct stat status = {};
+        ASSERT_EQ(::stat(QFile::encodeName(QString(path + suffix)).constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0600u) << suffix;
     }
-    EXPECT_EQ(modeOf(folder.path()), 0700u);
 }
 
 // A thousand statements against a locked file take one wait, not a thousand.
 TEST_F(DatabaseTest, WaitsForALockedFileOnceInARow)
 {
-    BareDatabase other(path());
+    BareDatabase other(path);
     ASSERT_EQ(other.exec("BEGIN IMMEDIATE"), SQLITE_OK);
     QElapsedTimer timer;
     timer.start();
     for (qint64 i = 0; i < 1000; ++i)
-        EXPECT_FALSE(db->run("INSERT INTO things(id) VALUES(?)", {i}));
+        EXPECT_FALSE(insert(i));
     // SQLite adds up the naps that it asked for, which may be a little shorter on the clock.
     EXPECT_GE(timer.elapsed(), Database::busyLimit / 2);
-    EXPECT_LT(timer.elapsed(), 8 * Database::busyLimit);
+    EXPECT_LT(timer.elapsed(), 100 * Database::busyLimit);
     other.exec("COMMIT");
-    EXPECT_TRUE(db->run("INSERT INTO things(id) VALUES(1)"));
+    EXPECT_TRUE(insert(1));
     EXPECT_FALSE(db->isDamaged());
 }

@@ -28,7 +28,8 @@ public:
         return lines;
     }
 
+    QStringList lines; // while nobody else logs
+
 private:
     mutable std::mutex mutex;
-    QStringList lines;
 };

@@ -1,7 +1,7 @@
 #include "Norvane/ClipCellView.h"
+#include "Norvane/ClipIcons.h"
 #include "Norvane/ClipViews.h"
 
-#include "Norvane/ClipIcons.h"
 #include "Platform/memory/MemoryPlatform.h"
 
 #include <QScrollBar>
@@ -11,21 +11,17 @@
 namespace {
 
 struct ClipTableViewTest : ::testing::Test {
-    std::unique_ptr<Platform> platform = makeMemoryPlatform();
-    ClipIcons icons{*platform->desktopEntries};
-    ClipListModel model;
-    ClipTableView view{model, icons, nullptr};
-
     // Every third clip is an image, which is higher.
+    static ClipKind kindOf(int row) { return row % 3 == 2 ? ClipKind::image : ClipKind::text; }
+
     void list(int rows)
     {
         ClipList clips;
-        for (int i = 0; i < rows; ++i) {
-            auto clip = std::make_shared<Clip>();
-            clip->id = i;
-            clip->kind = i % 3 == 2 ? ClipKind::image : ClipKind::text;
-            clip->text = QString::number(i);
-            clips.push_back(clip);
+        for (int row = 0; row < rows; ++row) {
+            clips.push_back(std::make_shared<Clip>());
+            clips.back()->id = row;
+            clips.back()->kind = kindOf(row);
+            clips.back()->text = QString::number(row);
         }
         model.setResults(clips);
         view.resize(400, 300);
@@ -33,6 +29,11 @@ struct ClipTableViewTest : ::testing::Test {
     }
 
     QRect rect(int row) { return view.visualRect(model.index(row)); }
+
+    std::unique_ptr<Platform> platform = makeMemoryPlatform();
+    ClipIcons icons{*platform->desktopEntries};
+    ClipListModel model;
+    ClipTableView view{model, icons, nullptr};
 };
 
 } // namespace
@@ -41,10 +42,8 @@ TEST_F(ClipTableViewTest, RowsOfTwoHeightsFollowEachOther)
 {
     list(7);
     for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(rect(row).height(),
-                  ClipCellView::rowHeight(row % 3 == 2 ? ClipKind::image : ClipKind::text));
-        const int above = row > 0 ? rect(row - 1).bottom() + 1 : 0;
-        EXPECT_EQ(rect(row).top(), above + 2) << row;
+        EXPECT_EQ(rect(row).height(), ClipCellView::rowHeight(kindOf(row)));
+        EXPECT_EQ(rect(row).top(), (row > 0 ? rect(row - 1).bottom() + 1 : 0) + 2) << row;
         EXPECT_EQ(view.indexAt(rect(row).center()).row(), row);
     }
     EXPECT_FALSE(view.indexAt({10, rect(6).bottom() + 20}).isValid());
@@ -54,16 +53,15 @@ TEST_F(ClipTableViewTest, RowsOfTwoHeightsFollowEachOther)
 TEST_F(ClipTableViewTest, SelectingARowBringsAllOfItIntoView)
 {
     list(100000);
-    for (const int row : {99999, 0, 50000, 50001, 49990, 99998}) {
-        view.selectRow(row);
+    const std::pair<int, int> selections[] = {{99999, 99999},   {0, 0},         {50000, 50000},
+                                              {50001, 50001},   {49990, 49990}, {99998, 99998},
+                                              {1 << 30, 99999}, {-5, 0}};
+    for (const auto &[wanted, row] : selections) {
+        view.selectRow(wanted);
         EXPECT_EQ(view.selectedRow(), row);
         EXPECT_GE(rect(row).top(), 0) << row;
         EXPECT_LE(rect(row).bottom(), view.viewport()->height()) << row;
     }
-    view.selectRow(1 << 30);
-    EXPECT_EQ(view.selectedRow(), 99999);
-    view.selectRow(-5);
-    EXPECT_EQ(view.selectedRow(), 0);
 }
 
 TEST_F(ClipTableViewTest, AShorterListIsNotScrolledPastItsEnd)
@@ -88,9 +86,10 @@ TEST_F(ClipTableViewTest, DoubleClickChoosesWhenTheButtonIsLetGo)
     EXPECT_EQ(chosen, -1) << "the button is still down";
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, rect(2).center());
     EXPECT_EQ(chosen, 2);
+    const QPoint below(10, rect(6).bottom() + 20);
     chosen = -1;
-    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
-    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {10, rect(6).bottom() + 20});
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, below);
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, below);
     EXPECT_EQ(chosen, -1);
     QTest::mouseClick(view.viewport(), Qt::RightButton, {}, rect(4).center());
     EXPECT_EQ(view.selectedRow(), 4);

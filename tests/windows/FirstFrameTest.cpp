@@ -2,19 +2,12 @@
 
 #include "Norvane/ClipTitles.h"
 #include "Norvane/FilterControl.h"
-#include "Norvane/PopupController.h"
-#include "Norvane/PopupPanel.h"
 #include "Norvane/Theme.h"
-#include "Norvane/app/Preferences.h"
-#include "Norvane/store/ClipStore.h"
-#include "Platform/memory/MemoryPlatform.h"
+#include "tests/windows/MemoryDesktop.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QTemporaryDir>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -46,34 +39,25 @@ private:
     QWidget *watched;
 };
 
-class FirstFrameTest : public ::testing::Test {
+class FirstFrameTest : public MemoryPanel {
 public:
     ~FirstFrameTest() override { QApplication::setPalette(QPalette()); }
 
 protected:
     FirstFrameTest()
     {
-        QApplication::setCursorFlashTime(0);
-        for (const auto &text : {u"uno"_qs, u"due"_qs, u"tre"_qs})
-            add(text);
+        for (const char *text : {"uno", "due", "tre"})
+            addText(text);
         popup.show(); // which lays it out
         popup.hide();
-        letPrepare();
+        EXPECT_TRUE(isPrepared());
     }
 
-    void add(const QString &text)
-    {
-        CapturedClip capture;
-        capture.text = text;
-        capture.hash = contentHash(text);
-        store.add(capture);
-    }
-
-    // The picture is made when the changes have come to rest; some changes call for none.
-    void letPrepare()
+    // The picture is made when the changes have come to rest.
+    bool isPrepared(int bound = 5000)
     {
         PaintWatch watch(panel.filterControl);
-        static_cast<void>(QTest::qWaitFor([&watch] { return watch.painted; }, 400));
+        return QTest::qWaitFor([&watch] { return watch.painted; }, bound);
     }
 
     QImage screen() { return panel.screen()->grabWindow(panel.winId()).toImage(); }
@@ -92,15 +76,6 @@ protected:
         panel.repaint();
         return {first, screen()};
     }
-
-    double age = 0; // of clips at their capture
-    QTemporaryDir folder;
-    std::unique_ptr<Platform> platform = makeMemoryPlatform();
-    Preferences prefs{*platform->defaults};
-    ClipStore store{folder.path(), [this] { return secondsSinceReferenceDate() - age; }};
-    PopupController popup{{store, prefs, *platform->pasteboard, *platform->panelSurface, *platform->screens,
-                           *platform->workspace, *platform->desktopEntries}};
-    PopupPanel &panel{popup.window()};
 };
 
 } // namespace
@@ -109,7 +84,7 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
 {
     const std::pair<const char *, std::function<void()>> changes[] = {
         {"nothing", [] {}},
-        {"a copy", [this] { add(u"quattro"_qs); }},
+        {"a copy", [this] { addText("quattro"); }},
         {"a pin", [this] { store.setPinned(store.clips()[1], true); }},
         {"no preview", [this] { prefs.setShowPreview(false); }},
         {"the size", [this] { panel.resize(panel.width() + 60, panel.height() + 30); }},
@@ -120,12 +95,12 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
         for (const bool prepared : {false, true}) {
             change();
             if (prepared)
-                letPrepare();
+                static_cast<void>(isPrepared(400)); // some changes call for no picture
             const auto [first, whole] = open();
             ASSERT_FALSE(first.isNull());
             EXPECT_EQ(first, whole) << what << (prepared ? ", at rest" : ", just before");
             popup.hide();
-            letPrepare();
+            EXPECT_TRUE(isPrepared());
         }
     }
 }
@@ -133,10 +108,9 @@ TEST_F(FirstFrameTest, ShowsThePanelAsItIsWhateverChangedWhileItWasHidden)
 TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
 {
     age = 44; // seconds: one more, and it is no longer "now"
-    add(u"vecchio"_qs);
-    const ClipPointer clip = store.clips().front();
+    const ClipPointer clip = addText("vecchio");
     const QString before = detailText(*clip);
-    letPrepare();
+    EXPECT_TRUE(isPrepared());
     ASSERT_TRUE(QTest::qWaitFor([&] { return detailText(*clip) != before; }));
     const auto [first, whole] = open();
     EXPECT_EQ(first, whole);
@@ -144,7 +118,7 @@ TEST_F(FirstFrameTest, ShowsTheAgesOfTheOpening)
 
 TEST_F(FirstFrameTest, IsPaintedBeforeTheOpening)
 {
-    panel.countLabel->setText(u"changed behind its back"_qs);
+    panel.countLabel->setText("changed behind its back");
     const auto [first, whole] = open();
     EXPECT_NE(first, whole);
 }

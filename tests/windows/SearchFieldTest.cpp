@@ -7,8 +7,6 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 struct SearchFieldTest : ::testing::Test {
@@ -17,11 +15,16 @@ struct SearchFieldTest : ::testing::Test {
     ClipIcons icons{*platform->desktopEntries};
     SearchField field{pasteboard, icons, nullptr};
 
-    void show()
+    void SetUp() override
     {
         field.show();
         field.setFocus();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&field));
+    }
+
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
+    {
+        QTest::keyClick(&field, key, modifiers);
     }
     QByteArray copied() { return pasteboard.snapshot()->items.at(0).data(PasteboardType::plainText).value(); }
 };
@@ -30,67 +33,61 @@ struct SearchFieldTest : ::testing::Test {
 
 TEST_F(SearchFieldTest, CutAndCopyWriteOurPasteboard)
 {
-    show();
-    field.setText(u"caffè nero"_s);
+    field.setText("caffè nero");
     field.setSelection(0, 5);
-    QTest::keyClick(&field, Qt::Key_C, Qt::ControlModifier);
+    key(Qt::Key_C);
     EXPECT_EQ(copied(), "caffè");
-    QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&field, Qt::Key_Delete, Qt::ShiftModifier);
+    key(Qt::Key_A);
+    key(Qt::Key_Delete, Qt::ShiftModifier);
     EXPECT_EQ(copied(), "caffè nero");
     EXPECT_TRUE(field.text().isEmpty());
-    EXPECT_NE(QGuiApplication::clipboard()->text(), u"caffè nero"_s) << "Qt's clipboard stays out of it";
+    EXPECT_NE(QGuiApplication::clipboard()->text(), "caffè nero") << "Qt's clipboard stays out of it";
 }
 
 TEST_F(SearchFieldTest, PasteInsertsOneLineAtTheCaret)
 {
-    show();
-    pasteboard.copyText(u"uno\r\ndue"_s);
-    field.setText(u"[]"_s);
+    pasteboard.copyText("uno\r\ndue");
+    field.setText("[]");
     field.setCursorPosition(1);
-    QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno due]"_s; }))
-        << field.text().toStdString();
-    QTest::keyClick(&field, Qt::Key_Insert, Qt::ShiftModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == u"[uno dueuno due]"_s; }));
+    key(Qt::Key_V);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == "[uno due]"; })) << field.text().toStdString();
+    key(Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == "[uno dueuno due]"; }));
 }
 
 TEST_F(SearchFieldTest, DeletingALineLeavesEveryClipboardAlone)
 {
-    show();
-    pasteboard.copyText(u"copied"_s);
-    QGuiApplication::clipboard()->setText(u"theirs"_s);
-    field.setText(u"uno due"_s);
+    pasteboard.copyText("copied");
+    QGuiApplication::clipboard()->setText("theirs");
+    field.setText("uno due");
     field.setCursorPosition(3);
-    QTest::keyClick(&field, Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(field.text(), u"uno"_s);
-    QTest::keyClick(&field, Qt::Key_U, Qt::ControlModifier);
+    key(Qt::Key_K);
+    EXPECT_EQ(field.text(), "uno");
+    key(Qt::Key_U);
     EXPECT_EQ(field.text(), QString());
-    QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(field.text(), u"uno"_s);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"theirs"_s);
+    key(Qt::Key_Z);
+    EXPECT_EQ(field.text(), "uno");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "theirs");
     EXPECT_EQ(copied(), "copied");
 }
 
 TEST_F(SearchFieldTest, SelectingWithTheMouseLeavesThePrimarySelectionAlone)
 {
-    show();
-    QGuiApplication::clipboard()->setText(u"theirs"_s, QClipboard::Selection);
-    field.setText(u"uno due"_s);
+    QGuiApplication::clipboard()->setText("theirs", QClipboard::Selection);
+    field.setText("uno due");
     const QPoint from = field.rect().center();
     QTest::mousePress(&field, Qt::LeftButton, {}, {field.width() - 2, from.y()});
     QTest::mouseMove(&field, {2, from.y()});
     QTest::mouseRelease(&field, Qt::LeftButton, {}, {2, from.y()});
     EXPECT_TRUE(field.hasSelectedText());
-    EXPECT_EQ(QGuiApplication::clipboard()->text(QClipboard::Selection), u"theirs"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(QClipboard::Selection), "theirs");
 }
 
 TEST_F(SearchFieldTest, AHungOwnerChangesNothing)
 {
-    show();
     pasteboard.setOwnerHung(true);
-    pasteboard.copyText(u"mai"_s);
-    QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
-    QTest::keyClicks(&field, u"scrivo"_s);
-    EXPECT_EQ(field.text(), u"scrivo"_s);
+    pasteboard.copyText("mai");
+    key(Qt::Key_V);
+    QTest::keyClicks(&field, "scrivo");
+    EXPECT_EQ(field.text(), "scrivo");
 }

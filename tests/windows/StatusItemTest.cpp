@@ -1,40 +1,26 @@
-// The status menu's commands as the whole program carries them out, on a desktop in memory.
-
+// The status menu's commands as the whole program carries them out.
 #include "Norvane/AppDelegate.h"
-#include "Norvane/app/Preferences.h"
-#include "Platform/memory/MemoryPlatform.h"
-#include "Vesmo/Localisation.h"
+#include "tests/windows/MemoryDesktop.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QToolButton>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 5000; // milliseconds
-
-class StatusItemTest : public ::testing::Test {
+class StatusItemTest : public MemoryDesktop {
 protected:
-    StatusItemTest()
-    {
-        loadTranslations(u"it"_s);
-        delegate.finishLaunching();
-    }
+    StatusItemTest() { delegate.finishLaunching(); }
 
     // The user copies texts, the last one last.
     void copy(const QStringList &texts)
     {
         for (const auto &text : texts) {
             pasteboard.copyText(text);
-            ASSERT_TRUE(QTest::qWaitFor([&] { return titles().contains(text); }, patience));
+            ASSERT_TRUE(QTest::qWaitFor([&] { return titles().contains(text); }));
         }
     }
 
@@ -56,6 +42,14 @@ protected:
         return nullptr;
     }
 
+    // The one that asks.
+    QMessageBox *chooseClear()
+    {
+        item.choose("Svuota la cronologia…");
+        EXPECT_TRUE(dialog());
+        return dialog();
+    }
+
     static void answer(const QString &button)
     {
         for (QAbstractButton *each : dialog()->buttons()) {
@@ -75,106 +69,69 @@ protected:
         return nullptr;
     }
 
-    bool panelIsOpen() const { return platform->panelSurface->isPresented(); }
+    bool panelOpens() const
+    {
+        return QTest::qWaitFor([&] { return surface.isPresented(); });
+    }
 
-    QTemporaryDir folder;
-    std::unique_ptr<Platform> platform = makeMemoryPlatform();
-    MemoryStatusItem &item = static_cast<MemoryStatusItem &>(*platform->statusItem);
-    MemoryPasteboard &pasteboard = static_cast<MemoryPasteboard &>(*platform->pasteboard);
-    Preferences prefs{*platform->defaults};
     AppDelegate delegate{*platform, prefs, folder.path()};
 };
 
 } // namespace
 
-TEST_F(StatusItemTest, PauseDimsTheIconAndStopsRecording)
-{
-    copy({u"prima"_s});
-    item.choose(u"Metti in pausa la registrazione"_s);
-    EXPECT_TRUE(item.paused);
-    EXPECT_TRUE(titles().contains(u"Riprendi la registrazione"_s));
-    pasteboard.copyText(u"in pausa"_s);
-    delegate.perform(u"pause"_s);
-    EXPECT_FALSE(item.paused);
-    copy({u"dopo"_s});
-    EXPECT_FALSE(titles().contains(u"in pausa"_s));
-}
-
 TEST_F(StatusItemTest, ShowingFromTheMenuKeepsAnOpenPanel)
 {
     const QString row = titles().front();
     item.choose(row);
-    EXPECT_FALSE(panelIsOpen()) << "the menu closes first";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return panelIsOpen(); }, patience));
-    const auto &surface = static_cast<MemoryPanelSurface &>(*platform->panelSurface);
+    EXPECT_FALSE(surface.isPresented()) << "the menu closes first";
+    EXPECT_TRUE(panelOpens());
     const int presented = surface.presentCount;
     item.choose(row);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return surface.presentCount > presented; }, patience));
-    EXPECT_TRUE(panelIsOpen());
-    delegate.perform(u"hide"_s);
-    EXPECT_FALSE(panelIsOpen());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return surface.presentCount > presented; }));
+    EXPECT_TRUE(surface.isPresented());
+    delegate.perform("hide");
+    EXPECT_FALSE(surface.isPresented());
     item.onActivate();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return panelIsOpen(); }, patience));
-}
-
-TEST_F(StatusItemTest, ARecentClipIsPastedAsFromThePanel)
-{
-    copy({u"uno"_s, u"due"_s});
-    delegate.perform(u"show"_s);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return panelIsOpen(); }, patience));
-    item.choose(u"uno"_s);
-    EXPECT_FALSE(panelIsOpen());
-    EXPECT_EQ(pasteboard.snapshot()->items.front().data(u"public.utf8-plain-text"), QByteArray("uno"));
-    const auto &keys = static_cast<MemoryKeyEvents &>(*platform->keyEvents);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return keys.pasteCount == 1; }, patience));
-    EXPECT_EQ(titles().at(2), u"uno"_s) << "the newest now";
+    EXPECT_TRUE(panelOpens());
 }
 
 TEST_F(StatusItemTest, ClearingAsksFirstAndKeepsPinnedClips)
 {
-    copy({u"uno"_s, u"fissato"_s, u"tre"_s});
-    delegate.perform(u"show"_s);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return panelIsOpen(); }, patience));
+    copy({"uno", "fissato", "tre"});
+    delegate.perform("show");
+    ASSERT_TRUE(panelOpens());
     QTest::keyClick(view<QLineEdit>(), Qt::Key_Down);
     QTest::keyClick(view<QLineEdit>(), Qt::Key_P, Qt::ControlModifier);
-    delegate.perform(u"hide"_s);
+    delegate.perform("hide");
     const QStringList before = titles();
 
-    item.choose(u"Svuota la cronologia…"_s);
-    ASSERT_TRUE(dialog());
-    EXPECT_EQ(dialog()->text(), u"Svuotare la cronologia?"_s);
-    EXPECT_EQ(dialog()->informativeText(), u"Gli elementi fissati restano. Non si può annullare."_s);
-    EXPECT_EQ(dialog()->defaultButton()->text(), u"Annulla"_s);
-    const QMessageBox *first = dialog();
-    item.choose(u"Svuota la cronologia…"_s);
-    EXPECT_EQ(dialog(), first) << "asked once";
-    answer(u"Annulla"_s);
+    const QMessageBox *box = chooseClear();
+    EXPECT_EQ(box->text(), "Svuotare la cronologia?");
+    EXPECT_EQ(box->informativeText(), "Gli elementi fissati restano. Non si può annullare.");
+    EXPECT_EQ(box->defaultButton()->text(), "Annulla");
+    EXPECT_EQ(chooseClear(), box) << "asked once";
+    answer("Annulla");
     EXPECT_EQ(titles(), before);
 
-    item.choose(u"Svuota la cronologia…"_s);
-    ASSERT_TRUE(dialog());
-    QTest::keyClick(dialog(), Qt::Key_Escape);
+    QTest::keyClick(chooseClear(), Qt::Key_Escape);
     EXPECT_EQ(titles(), before);
 
-    item.choose(u"Svuota la cronologia…"_s);
-    ASSERT_TRUE(dialog());
-    copy({u"copiato intanto"_s});
-    answer(u"Svuota"_s);
+    chooseClear();
+    copy({"copiato intanto"});
+    answer("Svuota");
     EXPECT_FALSE(dialog());
-    EXPECT_EQ(titles().mid(2, 2), QStringList({u"fissato"_s, QString()}));
+    EXPECT_EQ(titles().mid(2, 2), QStringList({"fissato", ""}));
 }
 
 TEST_F(StatusItemTest, TheQuestionOverThePanelGoesWithIt)
 {
-    copy({u"uno"_s});
-    delegate.perform(u"show"_s);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return panelIsOpen(); }, patience));
-    item.choose(u"Svuota la cronologia…"_s);
-    ASSERT_TRUE(dialog());
-    EXPECT_TRUE(dialog()->windowFlags().testFlag(Qt::BypassWindowManagerHint));
-    delegate.perform(u"hide"_s);
+    copy({"uno"});
+    delegate.perform("show");
+    ASSERT_TRUE(panelOpens());
+    EXPECT_TRUE(chooseClear()->windowFlags().testFlag(Qt::BypassWindowManagerHint));
+    delegate.perform("hide");
     EXPECT_FALSE(dialog());
-    EXPECT_TRUE(titles().contains(u"uno"_s));
+    EXPECT_TRUE(titles().contains("uno"));
 }
 
 TEST_F(StatusItemTest, WithoutATrayThePanelHasTheMenu)
@@ -193,7 +150,7 @@ TEST_F(StatusItemTest, WithoutATrayThePanelHasTheMenu)
 TEST_F(StatusItemTest, TheMenuIsToldOfEveryChange)
 {
     const int before = item.menuChanges;
-    copy({u"uno"_s});
+    copy({"uno"});
     EXPECT_GT(item.menuChanges, before);
     const int copied = item.menuChanges;
     prefs.setShortcut({KeyCode::p, ModifierFlag::command});

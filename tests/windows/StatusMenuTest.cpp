@@ -1,12 +1,8 @@
 #include "Norvane/StatusMenu.h"
 
-#include "Vesmo/Localisation.h"
-#include "Vesmo/Text.h"
+#include "tests/support/Captures.h"
 
-#include <QBuffer>
 #include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,40 +16,25 @@ ClipPointer textClip(const QString &text, bool pinned = false)
     return clip;
 }
 
-ClipPointer imageClip(QSize thumbnail, std::optional<QString> recognized = {}, bool pinned = false)
+ClipPointer imageClip(std::optional<QByteArray> thumbnail, bool pinned = false,
+                      std::optional<QString> read = {})
 {
     auto clip = textClip({}, pinned);
     clip->kind = ClipKind::image;
     clip->pixelSize = {560, 200};
-    clip->recognizedText = std::move(recognized);
-    if (!thumbnail.isEmpty()) {
-        QImage image(thumbnail, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, "PNG");
-        clip->thumbData = buffer.data();
-    }
+    clip->recognizedText = std::move(read);
+    clip->thumbData = std::move(thumbnail);
     return clip;
-}
-
-ClipList texts(int count)
-{
-    ClipList clips;
-    for (int i = 1; i <= count; ++i)
-        clips.push_back(textClip(u"testo %1"_s.arg(i)));
-    return clips;
 }
 
 class StatusMenuTest : public ::testing::Test {
 protected:
     StatusMenuTest()
     {
-        loadTranslations(u"it"_s);
-        actions.showPopup = [this] { done << u"show"_s; };
-        actions.togglePause = [this] { done << u"pause"_s; };
-        actions.confirmClear = [this] { done << u"clear"_s; };
-        actions.quit = [this] { done << u"quit"_s; };
+        actions.showPopup = [this] { done << "show"; };
+        actions.togglePause = [this] { done << "pause"; };
+        actions.confirmClear = [this] { done << "clear"; };
+        actions.quit = [this] { done << "quit"; };
         actions.paste = [this](const ClipPointer &clip, PasteMode mode) {
             pasted = clip;
             pastedMode = mode;
@@ -62,8 +43,9 @@ protected:
 
     std::vector<ClosureMenuItem> menu(const ClipList &clips, bool paused = false)
     {
-        return statusMenuItems(clips, paused, u"Ctrl+Alt+V"_s, actions);
+        return statusMenuItems(clips, paused, "Ctrl+Alt+V", actions);
     }
+    ClosureMenuItem rowOf(const ClipPointer &clip) { return menu({clip})[firstClip]; }
 
     StatusMenuActions actions;
     QStringList done;
@@ -71,35 +53,31 @@ protected:
     PasteMode pastedMode = PasteMode::copy;
 };
 
-QStringList titles(const std::vector<ClosureMenuItem> &items)
-{
-    QStringList result;
-    for (const auto &item : items)
-        result << (item.separator ? u"—"_s : item.title);
-    return result;
-}
-
 } // namespace
 
 TEST_F(StatusMenuTest, AnEmptyHistorySaysSoBetweenTheCommands)
 {
     const auto items = menu({});
-    EXPECT_EQ(titles(items),
-              QStringList({u"Mostra la cronologia   Ctrl+Alt+V"_s, u"—"_s, u"Ancora niente: copia qualcosa"_s,
-                           u"—"_s, u"Metti in pausa la registrazione"_s, u"Svuota la cronologia…"_s, u"—"_s,
-                           u"Esci da Norvane"_s}));
-    EXPECT_FALSE(items[firstClip].enabled);
-    EXPECT_EQ(items[0].toolTip, u"Ctrl+Alt+V"_s);
-    EXPECT_EQ(items.back().key, u"q"_s);
-    for (const auto &item : items)
+    QStringList titles;
+    for (const auto &item : items) {
+        titles << (item.separator ? "—" : item.title);
         item.run();
-    EXPECT_EQ(done, QStringList({u"show"_s, u"pause"_s, u"clear"_s, u"quit"_s}));
-    EXPECT_EQ(titles(menu({}, true)).at(4), u"Riprendi la registrazione"_s);
+    }
+    EXPECT_EQ(titles, QStringList({"Mostra la cronologia   Ctrl+Alt+V", "—", "Ancora niente: copia qualcosa",
+                                   "—", "Metti in pausa la registrazione", "Svuota la cronologia…", "—",
+                                   "Esci da Norvane"}));
+    EXPECT_EQ(done, QStringList({"show", "pause", "clear", "quit"}));
+    EXPECT_FALSE(items[firstClip].enabled);
+    EXPECT_EQ(items[0].toolTip, "Ctrl+Alt+V");
+    EXPECT_EQ(items.back().key, "q");
+    EXPECT_EQ(menu({}, true)[4].title, "Riprendi la registrazione");
 }
 
 TEST_F(StatusMenuTest, ListsTheTenNewestAndNumbersNine)
 {
-    const ClipList clips = texts(25);
+    ClipList clips;
+    for (int i = 0; i < 25; ++i)
+        clips.push_back(textClip(QString("testo %1").arg(i)));
     const auto items = menu(clips);
     ASSERT_EQ(items.size(), firstClip + 10 + 5);
     for (size_t i = 0; i < 10; ++i) {
@@ -114,63 +92,43 @@ TEST_F(StatusMenuTest, ListsTheTenNewestAndNumbersNine)
     EXPECT_TRUE(items[firstClip + 10].separator);
 }
 
-TEST_F(StatusMenuTest, TitlesAreOneLineOfSixtyCharacters)
+TEST_F(StatusMenuTest, TitlesHaveSixtyCharactersToolTipsFiveHundred)
 {
-    const QString family = u"👨‍👩‍👧"_s; // one character of several code points
-    struct Case {
-        QString text;
-        QString title;
-    };
-    const std::vector<Case> cases = {
-        {QString(60, u'x'), QString(60, u'x')},
-        {QString(61, u'x'), QString(60, u'x') + u'…'},
-        {QString(5000, u'x'), QString(60, u'x') + u'…'},
-        {family.repeated(60), family.repeated(60)},
-        {family.repeated(61), family.repeated(60) + u'…'},
-        {u"a\n\nb"_s, u"a ⏎ b"_s},
-        {u"a\r\nb\n"_s, u"a ⏎ b"_s},
-        {u"\n\n  primo"_s, u"primo"_s},
-        {u"<b>a_b & c</b>"_s, u"<b>a_b & c</b>"_s},
-        {u""_s, u""_s},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(menu({textClip(c.text)})[firstClip].title, c.title) << c.text.left(70).toStdString();
+    EXPECT_EQ(rowOf(textClip("<b>a_b & c</b>\nx")).title, "<b>a_b & c</b> ⏎ x");
+    EXPECT_EQ(rowOf(textClip(QString(60, u'x'))).title, QString(60, u'x'));
+    EXPECT_EQ(rowOf(textClip(QString(61, u'x'))).title, QString(60, u'x') + "…");
+    EXPECT_EQ(rowOf(textClip("a\nb")).toolTip, "a\nb");
+    EXPECT_EQ(rowOf(textClip(QString(700, u'x'))).toolTip, QString(500, u'x'));
+    EXPECT_EQ(rowOf(imageClip({})).toolTip, "");
+    EXPECT_EQ(rowOf(imageClip({}, false, "Fattura 12")).toolTip, "Fattura 12");
 }
 
 TEST_F(StatusMenuTest, PicturesAreThumbnailsElseThePin)
 {
-    auto broken = imageClip({});
-    broken->thumbData = "no picture";
-    broken->pinned = true;
-    struct Case {
+    const QByteArray png = encoded(filledImage(64, 64, Qt::red));
+    const struct {
         ClipPointer clip;
-        bool image;
-        bool pin;
+        bool image, pin;
+    } cases[] = {
+        {textClip("a"), false, false}, {textClip("a", true), false, true},
+        {imageClip(png), true, false}, {imageClip(png, true), true, false},
+        {imageClip({}), false, false}, {imageClip("broken", true), false, true},
     };
-    const std::vector<Case> cases = {
-        {textClip(u"a"_s), false, false},   {textClip(u"a"_s, true), false, true},
-        {imageClip({64, 64}), true, false}, {imageClip({64, 64}, {}, true), true, false},
-        {imageClip({}), false, false},      {broken, false, true},
-    };
-    for (const auto &c : cases) {
-        const auto item = menu({c.clip})[firstClip];
-        EXPECT_EQ(!item.image.isNull(), c.image);
-        EXPECT_EQ(!item.symbol.isEmpty(), c.pin);
+    for (const auto &each : cases) {
+        EXPECT_EQ(!rowOf(each.clip).image.isNull(), each.image);
+        EXPECT_EQ(!rowOf(each.clip).symbol.isEmpty(), each.pin);
     }
 }
 
 TEST_F(StatusMenuTest, ThumbnailsFitAndAreCentred)
 {
-    struct Case {
-        QSize thumbnail;
-        QRect painted;
-    };
-    const std::vector<Case> cases = {
+    const std::pair<QSize, QRect> cases[] = {
         {{56, 40}, {0, 0, 28, 20}}, {{100, 10}, {0, 9, 28, 2}}, {{1000, 1}, {0, 9, 28, 1}},
         {{40, 80}, {9, 0, 10, 20}}, {{7, 5}, {0, 0, 28, 20}},
     };
-    for (const auto &c : cases) {
-        const QImage image = menu({imageClip(c.thumbnail)})[firstClip].image;
+    for (const auto &[size, place] : cases) {
+        const QImage image =
+            rowOf(imageClip(encoded(filledImage(size.width(), size.height(), Qt::red)))).image;
         ASSERT_EQ(image.deviceIndependentSize(), QSizeF(28, 20));
         QRect painted;
         for (int y = 0; y < image.height(); ++y) {
@@ -179,15 +137,6 @@ TEST_F(StatusMenuTest, ThumbnailsFitAndAreCentred)
                     painted |= QRect(x, y, 1, 1);
             }
         }
-        EXPECT_EQ(painted, c.painted) << c.thumbnail.width() << "×" << c.thumbnail.height();
+        EXPECT_EQ(painted, place) << size.width() << "×" << size.height();
     }
-}
-
-TEST_F(StatusMenuTest, ToolTipsBeginTheTextOrWhatWasRead)
-{
-    const auto toolTip = [this](const ClipPointer &clip) { return menu({clip})[firstClip].toolTip; };
-    EXPECT_EQ(toolTip(textClip(u"a\nb"_s)), u"a\nb"_s);
-    EXPECT_EQ(toolTip(textClip(QString(700, u'x'))), QString(500, u'x'));
-    EXPECT_EQ(toolTip(imageClip({})), QString());
-    EXPECT_EQ(toolTip(imageClip({}, u"Fattura 12"_s)), u"Fattura 12"_s);
 }

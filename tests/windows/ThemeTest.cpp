@@ -4,50 +4,25 @@
 #include "Norvane/Palette.h"
 #include "Norvane/SearchField.h"
 #include "Norvane/SlimScrollBar.h"
-#include "Platform/memory/MemoryPlatform.h"
+#include "tests/windows/MemoryDesktop.h"
 
 #include <QApplication>
 #include <QScrollArea>
-#include <gtest/gtest.h>
 
 namespace {
 
-struct ThemeTest : ::testing::Test {
-    std::unique_ptr<Platform> platform = makeMemoryPlatform();
-    MemoryAppearance &desktop = static_cast<MemoryAppearance &>(*platform->appearance);
-
+struct ThemeTest : MemoryDesktop {
     ~ThemeTest() override { QApplication::setPalette(QPalette()); }
-
-    static bool isDark() { return Palette::isDark(QApplication::palette()); }
 };
-
-TEST_F(ThemeTest, FollowsTheDesktopAndGoesBackToItsPalette)
-{
-    const QPalette before = QApplication::palette();
-    ASSERT_FALSE(isDark());
-    desktop.setColorScheme(ColorScheme::dark);
-    {
-        const Theme theme(desktop);
-        EXPECT_TRUE(isDark()) << "at start";
-        for (const auto scheme : {ColorScheme::light, ColorScheme::noPreference}) {
-            desktop.setColorScheme(scheme);
-            for (const auto role : {QPalette::Window, QPalette::Text, QPalette::Highlight, QPalette::Button})
-                EXPECT_EQ(QApplication::palette().color(role), before.color(role));
-            desktop.setColorScheme(ColorScheme::dark);
-            EXPECT_TRUE(isDark());
-        }
-    }
-    desktop.setColorScheme(ColorScheme::light); // nobody listens any more
-}
 
 TEST_F(ThemeTest, AFieldTakesTheNewColoursBeforeAndAfterItIsShown)
 {
-    const Theme theme(desktop);
+    const Theme theme(appearance);
     ClipIcons icons{*platform->desktopEntries};
     QWidget window;
-    SearchField field(*platform->pasteboard, icons, &window);
+    SearchField field(pasteboard, icons, &window);
     for (const auto scheme : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
-        desktop.setColorScheme(scheme);
+        appearance.setColorScheme(scheme);
         window.show();
         QCoreApplication::processEvents(); // widgets are told from the event loop
         const QPalette &colours = field.palette();
@@ -61,7 +36,7 @@ TEST_F(ThemeTest, AFieldTakesTheNewColoursBeforeAndAfterItIsShown)
 
 TEST_F(ThemeTest, AScrollBarTakesTheNewColours)
 {
-    const Theme theme(desktop);
+    const Theme theme(appearance);
     QScrollArea area;
     area.setVerticalScrollBar(new SlimScrollBar(&area));
     area.setWidget(new QWidget);
@@ -70,7 +45,7 @@ TEST_F(ThemeTest, AScrollBarTakesTheNewColours)
     area.show();
     QScrollBar &bar = *area.verticalScrollBar();
     for (const auto scheme : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
-        desktop.setColorScheme(scheme);
+        appearance.setColorScheme(scheme);
         QCoreApplication::processEvents();
         const QPalette colours = QApplication::palette();
         QImage painted(bar.size(), QImage::Format_RGB32);
@@ -102,40 +77,37 @@ TEST_F(ThemeTest, DarkLeavesNothingLight)
         EXPECT_GE(Palette::contrast(dark.color(text), dark.color(ground)), 4.5) << text;
 }
 
-// Grounds as desktops have them, some of which leave too little room between text and ground.
-struct Ground {
-    const char *name;
-    QRgb window, text, highlight, highlighted;
-};
-
-class ContrastTest : public ::testing::TestWithParam<Ground> {};
-
-TEST_P(ContrastTest, EveryTextCanBeReadOnItsGround)
+// On grounds as desktops have them, some of which leave too little room between text and ground.
+TEST(Contrast, EveryTextCanBeReadOnItsGround)
 {
-    const auto &[name, window, text, highlight, highlighted] = GetParam();
-    QPalette palette;
-    palette.setColor(QPalette::Window, QColor(window));
-    palette.setColor(QPalette::WindowText, QColor(text));
-    palette.setColor(QPalette::Highlight, QColor(highlight));
-    palette.setColor(QPalette::HighlightedText, QColor(highlighted));
-    const QColor ground(window), accent = Palette::accent(palette);
-    EXPECT_GE(Palette::contrast(Palette::secondary(palette), ground), 4.5) << name;
-    EXPECT_GE(Palette::contrast(Palette::secondary(palette), Palette::field(palette)), 4.5) << name;
-    EXPECT_GE(Palette::contrast(Palette::label(palette), Palette::field(palette)), 4.5) << name;
-    EXPECT_GE(Palette::contrast(Palette::onAccent(palette), accent), 4.5) << name;
-    EXPECT_GE(Palette::contrast(Palette::secondaryOnAccent(palette), accent), 4.5) << name;
-    EXPECT_GE(Palette::contrast(Palette::orange(palette), ground), 3.0) << name;
-    EXPECT_NE(Palette::separator(palette), ground) << name;
+    const struct {
+        const char *name;
+        QRgb window, text, highlight, highlighted;
+    } grounds[] = {
+        {"fusion", 0xffefefef, 0xff000000, 0xff308cc6, 0xffffffff},
+        {"our dark", 0xff2b2b2d, 0xffe8e8e8, 0xff2a6fb4, 0xffffffff},
+        {"dark grey", 0xff323232, 0xffffffff, 0xff308cc6, 0xffffffff},
+        {"soft light", 0xfffafafb, 0xff4a4a4a, 0xfff0c040, 0xff202020},
+        {"pale highlight", 0xfff6f5f4, 0xff2e3436, 0xff99c1f1, 0xffffffff},
+        {"blue dark", 0xff0b1e3a, 0xffbfd4ff, 0xff1d99f3, 0xff000000},
+    };
+    for (const auto &[name, window, text, highlight, highlighted] : grounds) {
+        SCOPED_TRACE(name);
+        QPalette palette;
+        palette.setColor(QPalette::Window, QColor(window));
+        palette.setColor(QPalette::WindowText, QColor(text));
+        palette.setColor(QPalette::Highlight, QColor(highlight));
+        palette.setColor(QPalette::HighlightedText, QColor(highlighted));
+        const QColor ground(window), accent = Palette::accent(palette), field = Palette::field(palette);
+        EXPECT_GE(Palette::contrast(Palette::secondary(palette), ground), 4.5);
+        EXPECT_GE(Palette::contrast(Palette::secondary(palette), field), 4.5);
+        EXPECT_GE(Palette::contrast(Palette::label(palette), field), 4.5);
+        EXPECT_GE(Palette::contrast(Palette::onAccent(palette), accent), 4.5);
+        EXPECT_GE(Palette::contrast(Palette::secondaryOnAccent(palette), accent), 4.5);
+        EXPECT_GE(Palette::contrast(Palette::orange(palette), ground), 3.0);
+        EXPECT_NE(Palette::separator(palette), ground);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Grounds, ContrastTest,
-    ::testing::Values(Ground{"fusion", 0xffefefef, 0xff000000, 0xff308cc6, 0xffffffff},
-                      Ground{"our dark", 0xff2b2b2d, 0xffe8e8e8, 0xff2a6fb4, 0xffffffff},
-                      Ground{"dark grey", 0xff323232, 0xffffffff, 0xff308cc6, 0xffffffff},
-                      Ground{"soft light", 0xfffafafb, 0xff4a4a4a, 0xfff0c040, 0xff202020},
-                      Ground{"pale highlight", 0xfff6f5f4, 0xff2e3436, 0xff99c1f1, 0xffffffff},
-                      Ground{"blue dark", 0xff0b1e3a, 0xffbfd4ff, 0xff1d99f3, 0xff000000}));
 
 TEST(Contrast, IsThatOfTheStandard)
 {

@@ -4,6 +4,7 @@
 #include "tests/capture/Copies.h"
 #include "tests/platform/pasteboard/Owner.h"
 #include "tests/platform/pasteboard/Requestor.h"
+#include "tests/support/Captures.h"
 
 #include <gtest/gtest.h>
 

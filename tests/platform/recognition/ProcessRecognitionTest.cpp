@@ -2,6 +2,7 @@
 
 #include "Platform/linux/tesseract/RecognitionProtocol.h"
 #include "tests/capture/Copies.h"
+#include "tests/support/Captures.h"
 #include "tests/support/LogLines.h"
 
 #include <QElapsedTimer>
