@@ -133,13 +133,28 @@ QString wordFault(const QString &path, const QString &line)
     return {};
 }
 
-} // namespace
-
-QString roomOf(const QString &path)
+// The text with every comment blanked out; lines, literals and everything else stay in place.
+QString withoutComments(const QString &text)
 {
-    const auto place = findPlace(path);
-    return place ? place->room : QString();
+    // Literals first, so that "//" in one begins no comment; a lone ' in a number (1'000) is none.
+    static const QRegularExpression token(u"R\"([^()\\\\\\s]{0,16})\\(.*?\\)\\1\"|\"(?:\\\\.|[^\"\\\\\\n])*"
+                                          u"\"|(?<![0-9a-fA-F])'(?:\\\\.|[^'\\\\\\n])+'"
+                                          u"|//[^\\n]*|/\\*.*?(?:\\*/|$)"_s,
+                                          QRegularExpression::DotMatchesEverythingOption);
+    QString result = text;
+    for (auto matches = token.globalMatch(text); matches.hasNext();) {
+        const auto match = matches.next();
+        if (!match.capturedView().startsWith(u'/'))
+            continue;
+        for (qsizetype i = match.capturedStart(); i < match.capturedEnd(); ++i) {
+            if (result[i] != u'\n')
+                result[i] = u' ';
+        }
+    }
+    return result;
 }
+
+} // namespace
 
 QStringList faultsOf(const QString &path, const QString &text)
 {
@@ -165,24 +180,4 @@ QStringList faultsOf(const QString &path, const QString &text)
             report(includeFault(*place, match.captured(1) + match.captured(2)));
     }
     return faults;
-}
-
-QString withoutComments(const QString &text)
-{
-    // Literals first, so that "//" in one begins no comment; a lone ' in a number (1'000) is none.
-    static const QRegularExpression token(u"R\"([^()\\\\\\s]{0,16})\\(.*?\\)\\1\"|\"(?:\\\\.|[^\"\\\\\\n])*"
-                                          u"\"|(?<![0-9a-fA-F])'(?:\\\\.|[^'\\\\\\n])+'"
-                                          u"|//[^\\n]*|/\\*.*?(?:\\*/|$)"_s,
-                                          QRegularExpression::DotMatchesEverythingOption);
-    QString result = text;
-    for (auto matches = token.globalMatch(text); matches.hasNext();) {
-        const auto match = matches.next();
-        if (!match.capturedView().startsWith(u'/'))
-            continue;
-        for (qsizetype i = match.capturedStart(); i < match.capturedEnd(); ++i) {
-            if (result[i] != u'\n')
-                result[i] = u' ';
-        }
-    }
-    return result;
 }

@@ -1,5 +1,7 @@
 #include "Vesmo/Localisation.h"
 
+#include "tests/support/Variable.h"
+
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -32,13 +34,9 @@ TEST_F(LocalisationTest, ValuesOfEveryOrdinaryTypeTakeThePlaceOfPlaceholders)
               u"1 2 3 4 5 6 7 8 9 10 11");
 }
 
-TEST_F(LocalisationTest, AValueIsNeverSearchedForPlaceholders)
+TEST_F(LocalisationTest, AValueIsNeverSearchedForPlaceholdersAndAPercentSignPrintsOnce)
 {
     EXPECT_EQ(L("%@ di %@", "%@ 100%% ##", 2), u"%@ 100%% ## di 2");
-}
-
-TEST_F(LocalisationTest, APercentSignPrintsOnceWhetherFormattedOrNot)
-{
     EXPECT_EQ(L("al 100%"), u"al 100%");
     EXPECT_EQ(L("al %@%% di %@", 5, "%"), u"al 5% di %");
 }
@@ -63,17 +61,10 @@ TEST_F(LocalisationTest, AFormatThatAsksForMoreOrLessThanIsGivenStaysReadable)
     EXPECT_EQ(formatted(QStringLiteral("%d %@ %"), {QStringLiteral("1")}), u"%d 1 %");
 }
 
-TEST(PhraseKeyTest, TheCompilersCountAcceptsOnePlaceholderAValue)
-{
-    using Key = PhraseKey<>;
-    static_assert(Key::isFormatted("50% di tutto", 0) && Key::isFormatted("", 0));
-    static_assert(Key::isFormatted("%@ di %@", 2) && Key::isFormatted("%% %@%%", 1));
-    static_assert(!Key::isFormatted("%@", 0) && !Key::isFormatted("100%@", 0));
-    static_assert(!Key::isFormatted("%@", 2) && !Key::isFormatted("%@ %@ %@", 2));
-    static_assert(!Key::isFormatted("50% di %@", 1) && !Key::isFormatted("%@ %", 1) &&
-                  !Key::isFormatted("%%@", 1));
-    SUCCEED();
-}
+// What the compiler counts: one placeholder a value.
+static_assert(PhraseKey<>::isFormatted("50% di tutto", 0) && PhraseKey<>::isFormatted("%% %@%%", 1));
+static_assert(!PhraseKey<>::isFormatted("100%@", 0) && !PhraseKey<>::isFormatted("%@", 2) &&
+              !PhraseKey<>::isFormatted("50% di %@", 1) && !PhraseKey<>::isFormatted("%%@", 1));
 
 struct Choice {
     QStringList carried, preferred;
@@ -101,34 +92,25 @@ TEST(AppLanguageTest, TheCodeIsTheFirstPreferredLanguageThatHasATable)
 
 TEST(AppLanguageTest, RegionalSettingsAreKeptOnlyInTheInterfacesLanguage)
 {
-    const auto name = [](const char *code, const char *current) {
-        return AppLanguage::localeFor(QString::fromLatin1(code), QLocale(QString::fromLatin1(current)))
-            .name();
-    };
-    EXPECT_EQ(name("en", "en_GB"), u"en_GB");
-    EXPECT_EQ(name("en", "de_DE"), u"en_US");
-    EXPECT_EQ(name("en", "C"), u"en_US");
-    EXPECT_EQ(name("it", "it_CH"), u"it_CH");
-    EXPECT_EQ(name("it", "en_GB"), u"it_IT");
+    const char *cases[][3] = {{"en", "en_GB", "en_GB"},
+                              {"en", "de_DE", "en_US"},
+                              {"en", "C", "en_US"},
+                              {"it", "it_CH", "it_CH"},
+                              {"it", "en_GB", "it_IT"}};
+    for (const auto &[code, current, used] : cases)
+        EXPECT_EQ(AppLanguage::localeFor(code, QLocale(current)).name(), used) << code << ' ' << current;
 }
 
 TEST(AppLanguageTest, TimesFollowTheirOwnVariableBeforeTheGeneralOne)
 {
-    const QByteArray all = qgetenv("LC_ALL"), time = qgetenv("LC_TIME"), lang = qgetenv("LANG");
-    qputenv("LC_ALL", "");
-    qputenv("LANG", "en_US.UTF-8");
-    qputenv("LC_TIME", "en_GB.UTF-8@euro");
-    loadTranslations(QStringLiteral("en"));
-    EXPECT_EQ(AppLanguage::locale().name(), u"en_GB");
-    qputenv("LC_TIME", "");
-    loadTranslations(QStringLiteral("en"));
-    EXPECT_EQ(AppLanguage::locale().name(), u"en_US");
-    qputenv("LC_ALL", "en_IE.UTF-8");
-    loadTranslations(QStringLiteral("en"));
-    EXPECT_EQ(AppLanguage::locale().name(), u"en_IE");
-    qputenv("LC_ALL", all);
-    qputenv("LC_TIME", time);
-    qputenv("LANG", lang);
+    const char *cases[][3] = {
+        {"", "en_GB.UTF-8@euro", "en_GB"}, {"", "", "en_US"}, {"en_IE.UTF-8", "", "en_IE"}};
+    const Variable lang("LANG", "en_US.UTF-8");
+    for (const auto &[general, time, used] : cases) {
+        const Variable all("LC_ALL", general), own("LC_TIME", time);
+        loadTranslations("en");
+        EXPECT_EQ(AppLanguage::locale().name(), used);
+    }
 }
 
 TEST(AppLanguageTest, TheTestsTablesAreCompiledIn)

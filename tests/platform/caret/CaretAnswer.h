@@ -2,6 +2,7 @@
 
 #include "Platform/linux/dbus/AtSpiCaret.h"
 
+#include <gtest/gtest.h>
 #include <iosfwd>
 
 void PrintTo(const QRectF &rect, std::ostream *stream);
@@ -15,3 +16,7 @@ struct CaretAnswer {
 
 // Runs the event loop until the answer comes, at most five seconds.
 [[nodiscard]] CaretAnswer askForCaret(Accessibility &service);
+
+// Asks several times: never a caret, and within the limit of 100 ms where nothing else keeps the machine
+// busy. The quickest answer.
+CaretAnswer expectNoCaretInTime(Accessibility &service);

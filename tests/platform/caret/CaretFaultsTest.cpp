@@ -1,23 +1,22 @@
 // What programs and buses do to a question for the caret, on a bus of the test's own.
 
+#include "Platform/linux/dbus/CaretBounds.h"
 #include "tests/platform/caret/CaretAnswer.h"
 #include "tests/platform/caret/ScriptedProgram.h"
+#include "tests/support/Variable.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QLocalServer>
 #include <QRect>
 #include <QTest>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 
 using namespace Qt::StringLiterals;
 
 constexpr QRect windowArea(100, 50, 600, 400);
-constexpr qint64 inTime = 150; // milliseconds: the limit of 100, and two busy cores
 
 std::unique_ptr<AtSpiCaret> makeService(qint64 pid = QCoreApplication::applicationPid())
 {
@@ -174,6 +173,27 @@ TEST_F(ScriptedCaret, OfAToolkitThatCountsFromItsWindowIsOnTheScreen)
     EXPECT_TRUE(becomes(QRectF(120, 90, 0, 60))) << "a line of text tells its own place only";
 }
 
+TEST(CaretBounds, ScalesByTheStepsOfTheToolkit)
+{
+    struct Case {
+        double server, program;
+        bool whole;
+        double scale;
+    };
+    for (const auto &c : std::vector<Case>{{400, 400, false, 1},
+                                           {400, 402, true, 1}, // with the frame of the window manager
+                                           {800, 402, true, 2},
+                                           {600, 400, false, 1.5},
+                                           {500, 400, false, 1.25},
+                                           {252, 200, true, 1}, // with a shadow of its own
+                                           {800, 0, false, 1},
+                                           {0, 800, false, 1},
+                                           {100, 400, false, 1},
+                                           {9000, 10, false, 4}})
+        EXPECT_EQ(CaretBounds::scale(c.server, c.program, c.whole), c.scale)
+            << c.server << " for " << c.program;
+}
+
 TEST_F(ScriptedCaret, OfAProgramThatFillsItInLaterIsAskedForAgain)
 {
     program->setProperty(u"program"_s, AtSpi::application, u"ToolkitName"_s, u"Gecko"_s);
@@ -195,8 +215,11 @@ TEST_F(ScriptedCaret, IsRememberedWhileTheProgramNamesNoFocus)
 
 TEST_F(ScriptedCaret, OutsideItsWindowIsNone)
 {
-    for (const QRectF &place : {QRectF(200, 460, 9, 18), QRectF(20, 90, 9, 18), QRectF(200, 90, 2000, 18),
-                                QRectF(200, 90, 9, -18), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
+    setCharacters([](int, uint) { return QRectF(99, 433, 0, 18); });
+    EXPECT_TRUE(becomes(QRectF(99, 433, 0, 18))) << "what is rounded is still inside";
+    for (const QRectF &place :
+         {QRectF(200, 460, 9, 18), QRectF(90, 90, 9, 18), QRectF(200, 90, 2000, 18), QRectF(200, 90, 9, -18),
+          QRectF(200, 90, 9, 0), QRectF(0, 0, 0, 0), QRectF(INT_MAX, INT_MIN, INT_MAX, INT_MAX)}) {
         setCharacters([place](int, uint) { return place; });
         setText(u"abcd"_s);
         EXPECT_EQ(caret(), std::nullopt) << ::testing::PrintToString(place);
@@ -217,9 +240,7 @@ TEST_F(ScriptedCaret, OfAProgramThatAnswersNonsenseIsNone)
     };
     for (const auto &make : nonsense) {
         make();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
+        expectNoCaretInTime(*service);
     }
 }
 
@@ -232,12 +253,14 @@ TEST_F(ScriptedCaret, IsNotLookedForInATreeWithoutEnd)
         program->setStates(name, {AtSpi::stateShowing});
     }
     ASSERT_TRUE(moveFocusToButton());
-    program->calls = 0;
-    const auto answer = askForCaret(*service);
-    EXPECT_TRUE(answer.came);
-    EXPECT_EQ(answer.caret, std::nullopt);
-    EXPECT_LT(answer.milliseconds, inTime);
-    EXPECT_LT(program->calls, 400) << "two questions an object, and 150 of these";
+    int fewest = INT_MAX; // a question that was given up may go on for a while
+    for (int round = 0; round < 5; ++round) {
+        program->calls = 0;
+        EXPECT_EQ(caret(), std::nullopt);
+        fewest = std::min(fewest, program->calls.load());
+    }
+    EXPECT_LT(fewest, 400) << "two questions an object, and 150 of these";
+    expectNoCaretInTime(*service);
 }
 
 // As LibreOffice is: a search there, or a look at the children of a sheet, keeps it busy for ever.
@@ -266,15 +289,19 @@ TEST_F(ScriptedCaret, OfAnOfficeProgramIsFoundWithoutASearchOfItsCells)
 
 TEST_F(ScriptedCaret, NoAnswerComesToARequestThatWasDropped)
 {
-    int dropped = 0, kept = 0;
-    service->requestCaretRect([&](const auto &) { ++dropped; });
-    service->requestCaretRect([&](const auto &caret) { kept += caret ? 1 : 0; });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return kept > 0; }));
+    int dropped = 0;
+    bool answered = true, kept = false;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        if (std::exchange(answered, false)) { // too late for a caret, or not asked yet
+            service->requestCaretRect([&](const auto &) { ++dropped; });
+            service->requestCaretRect([&](const auto &caret) { answered = !(kept = caret.has_value()); });
+        }
+        return kept;
+    }));
     service->requestCaretRect([&](const auto &) { ++dropped; });
     service->cancel();
-    EXPECT_TRUE(caret()) << "a later request goes on";
+    EXPECT_TRUE(becomes(QRectF(200, 90, 9, 18))) << "a later request goes on";
     EXPECT_EQ(dropped, 0);
-    EXPECT_EQ(kept, 1);
 }
 
 // Whose window is in front cannot be told by the process id of a program in a sandbox: all are asked.
@@ -305,13 +332,7 @@ TEST_F(ScriptedCaret, IsThereWhileItIsWanted)
 TEST_F(ScriptedCaret, IsAbsentInTimeWhileTheBusHangsAndTheMainThreadGoesOn)
 {
     bus.stop();
-    for (int round = 0; round < 2; ++round) {
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
-        EXPECT_LT(answer.milliseconds, inTime);
-        EXPECT_LT(answer.largestGap, 60);
-    }
+    expectNoCaretInTime(*service);
     bus.goOn();
     EXPECT_TRUE(QTest::qWaitFor([this] { return caret().has_value(); }));
 }
@@ -323,7 +344,7 @@ TEST_F(ScriptedCaret, DoesNotKeepTheProgramFromEndingWhileTheBusHangs)
     QElapsedTimer ending;
     ending.start();
     service.reset();
-    EXPECT_LT(ending.elapsed(), 500);
+    EXPECT_LT(ending.elapsed(), 2000);
     bus.goOn();
 }
 
@@ -331,53 +352,37 @@ TEST_F(ScriptedCaret, IsThereAgainAfterTheBusWasStartedAnew)
 {
     bus.kill();
     ASSERT_TRUE(waitForBus(*service, false));
-    const auto answer = askForCaret(*service);
-    EXPECT_TRUE(answer.came);
-    EXPECT_EQ(answer.caret, std::nullopt);
+    expectNoCaretInTime(*service);
     ASSERT_TRUE(bus.start());
     EXPECT_TRUE(waitForBus(*service));
 }
 
-// A bus that takes connections and says nothing.
 TEST(AccessibilityBus, ThatHangsFromTheStartIsNeverWaitedFor)
 {
     const QTemporaryDir folder;
-    const QByteArray path = folder.filePath(u"bus"_s).toUtf8();
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 8), 0);
-    qputenv("AT_SPI_BUS_ADDRESS", "unix:path=" + path);
+    QLocalServer hungBus; // takes every caller, answers none
+    ASSERT_TRUE(hungBus.listen(folder.filePath(u"bus"_s)));
+    const Variable address("AT_SPI_BUS_ADDRESS", "unix:path=" + hungBus.fullServerName().toUtf8());
     QElapsedTimer life;
     life.start();
     {
         const auto service = makeService();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came);
-        EXPECT_EQ(answer.caret, std::nullopt);
-        EXPECT_LT(answer.milliseconds, inTime);
-        EXPECT_LT(answer.largestGap, 60);
+        expectNoCaretInTime(*service);
         EXPECT_FALSE(service->caretAvailable());
     }
-    EXPECT_LT(life.elapsed(), 2000) << "nor at the end";
-    qunsetenv("AT_SPI_BUS_ADDRESS");
-    ::close(listener);
+    EXPECT_LT(life.elapsed(), 5000) << "nor at the end";
 }
 
 TEST(AccessibilityBus, ThatIsNotThereLeavesNoCaretToAskFor)
 {
-    const QByteArray session = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    const Variable session("DBUS_SESSION_BUS_ADDRESS");
     for (const char *address : {"disabled:", "autolaunch:", "unix:path=/nonexistent/bus"}) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        SCOPED_TRACE(address);
+        session.set(address);
         const auto service = makeService();
-        const auto answer = askForCaret(*service);
-        EXPECT_TRUE(answer.came) << address;
-        EXPECT_EQ(answer.caret, std::nullopt);
+        expectNoCaretInTime(*service);
         EXPECT_FALSE(service->caretAvailable());
     }
-    session.isNull() ? qunsetenv("DBUS_SESSION_BUS_ADDRESS") : qputenv("DBUS_SESSION_BUS_ADDRESS", session);
 }
 
 } // namespace

@@ -43,11 +43,26 @@ bool CaretStage::connect()
     return QTest::qWaitFor([this] { return service->caretAvailable(); }, 15000);
 }
 
-std::optional<QRectF> CaretStage::awaitCaret(const std::function<bool(const std::optional<QRectF> &)> &test)
+std::optional<QRectF> CaretStage::awaitCaret(const Test &test)
 {
     std::optional<QRectF> caret;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return test(caret = ask().caret); }, 8000))
+    EXPECT_TRUE(QTest::qWaitFor([&] { return (caret = ask().caret) && test(*caret); }, 8000))
         << ::testing::PrintToString(caret);
+    return caret;
+}
+
+QRectF CaretStage::drawnCaret(const Test &test)
+{
+    const QRectF caret = awaitCaret(test).value_or(QRectF());
+    const QImage seen = steadyScreenshot(desktop, caret.toAlignedRect().adjusted(-2, 0, 3, 0));
+    bool isDrawn = false; // dark from top to bottom
+    for (int x = 0; x < seen.width(); ++x) {
+        int dark = 0;
+        for (int y = 0; y < seen.height(); ++y)
+            dark += qGray(seen.pixel(x, y)) < 100 ? 1 : 0;
+        isDrawn = isDrawn || dark >= seen.height() * 8 / 10;
+    }
+    EXPECT_TRUE(isDrawn) << ::testing::PrintToString(caret);
     return caret;
 }
 
@@ -72,48 +87,29 @@ bool CaretStage::startMousepad(const QByteArray &text, const QStringList &variab
     return bringToFront({QStringLiteral("Mousepad"), QStringLiteral("note.txt"), {}, 0});
 }
 
-bool CaretStage::isDrawn(const QRectF &caret) const
-{
-    const QRect around = caret.toAlignedRect().adjusted(-2, 0, 3, 0);
-    const QImage seen = steadyScreenshot(desktop, around);
-    for (int x = 0; x < seen.width(); ++x) {
-        int dark = 0;
-        for (int y = 0; y < seen.height(); ++y)
-            dark += qGray(seen.pixel(x, y)) < 100 ? 1 : 0;
-        if (dark >= seen.height() * 8 / 10)
-            return true;
-    }
-    return false;
-}
-
 CaretEntry::CaretEntry(const QString &kind, const QString &text, int position, int scale)
+    : entry(QStringLiteral(NEIGHBOUR), {kind, text, QString::number(position)}, [scale] {
+          auto environment = QProcessEnvironment::systemEnvironment();
+          environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+          environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
+          return environment;
+      }())
 {
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
-    process.setProcessEnvironment(environment);
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QStringLiteral(CARET_ENTRY), {kind, text, QString::number(position)});
 }
 
-CaretEntry::~CaretEntry()
+bool CaretEntry::hasKeyboard()
 {
-    process.closeWriteChannel();
-    if (!process.waitForFinished(5000))
-        process.kill();
+    QString line = entry.nextLine();
+    while (line != u"focused" && line != u"nothing")
+        line = entry.nextLine();
+    return line == u"focused";
 }
 
 QRectF CaretEntry::realCaret()
 {
-    process.write("caret\n");
-    const QStringList numbers = nextLine().split(u' ');
+    entry.process.write("caret\n");
+    const QStringList numbers = entry.nextLine().split(u' ');
     if (numbers.size() != 4)
         return {};
     return QRectF(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
-}
-
-QString CaretEntry::nextLine()
-{
-    const bool came = QTest::qWaitFor([this] { return process.canReadLine(); }, 15000);
-    return came ? QString::fromUtf8(process.readLine()).trimmed() : QStringLiteral("nothing");
 }

@@ -47,17 +47,6 @@ QDBusArgument &operator<<(QDBusArgument &argument, const AtSpiCacheItem &item)
 
 Q_DECLARE_METATYPE(Extents)
 
-ScriptedBus::ScriptedBus()
-{
-    qputenv("AT_SPI_BUS_ADDRESS", "unix:path=" + folder.filePath(QStringLiteral("bus")).toUtf8());
-}
-
-ScriptedBus::~ScriptedBus()
-{
-    kill();
-    qunsetenv("AT_SPI_BUS_ADDRESS");
-}
-
 bool ScriptedBus::start()
 {
     daemon.setProcessChannelMode(QProcess::SeparateChannels);
@@ -71,16 +60,6 @@ void ScriptedBus::signal(int number) const
 {
     if (const auto id = static_cast<pid_t>(daemon.processId()); id > 0)
         ::kill(id, number);
-}
-
-void ScriptedBus::stop()
-{
-    signal(SIGSTOP);
-}
-
-void ScriptedBus::goOn()
-{
-    signal(SIGCONT);
 }
 
 void ScriptedBus::kill()

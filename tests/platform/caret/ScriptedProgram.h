@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/linux/dbus/AtSpiProtocol.h"
+#include "tests/support/Variable.h"
 
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
@@ -10,24 +11,25 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <atomic>
+#include <csignal>
 #include <functional>
 #include <optional>
 
 // An accessibility bus that the test starts, stops and ends; AT_SPI_BUS_ADDRESS names it.
 class ScriptedBus {
 public:
-    ScriptedBus();
-    ~ScriptedBus();
+    ~ScriptedBus() { kill(); }
 
-    [[nodiscard]] bool start(); // again, too, at the same address
-    void stop();                // it hangs until `goOn`
-    void goOn();
+    [[nodiscard]] bool start();      // again, too, at the same address
+    void stop() { signal(SIGSTOP); } // it hangs until `goOn`
+    void goOn() { signal(SIGCONT); }
     void kill();
 
 private:
     void signal(int number) const;
 
     QTemporaryDir folder;
+    Variable address{"AT_SPI_BUS_ADDRESS", "unix:path=" + folder.filePath(QStringLiteral("bus")).toUtf8()};
     QProcess daemon;
 };
 

@@ -1,6 +1,7 @@
 #include "Platform/linux/dbus/DBusAppearance.h"
 
 #include "tests/support/SettingsPortal.h"
+#include "tests/support/Variable.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -65,7 +66,7 @@ TEST_P(PoorPortal, IsNoPreferenceUntilItTellsOfAChange)
     SettingsPortal portal(1, GetParam());
     elapsed.start();
     listen();
-    EXPECT_LT(elapsed.elapsed(), 400) << "waited for the portal";
+    EXPECT_LT(elapsed.elapsed(), 2000) << "waited for the portal";
     ASSERT_TRUE(QTest::qWaitFor([&] { return portal.questions() > 0; }, 3000));
     portal.change(2);
     EXPECT_TRUE(settlesAt(ColorScheme::light));
@@ -77,13 +78,11 @@ INSTANTIATE_TEST_SUITE_P(Manners, PoorPortal,
 
 TEST_F(AppearanceTest, WithoutABusThereIsNoPreference)
 {
-    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     for (const char *elsewhere : {"disabled:", "unix:path=/nonexistent/bus", "autolaunch:"}) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", elsewhere);
+        const Variable address("DBUS_SESSION_BUS_ADDRESS", elsewhere);
         listen();
         EXPECT_EQ(appearance->colorScheme(), ColorScheme::noPreference) << elsewhere;
     }
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
     SettingsPortal portal(2);
     listen();
     EXPECT_TRUE(settlesAt(ColorScheme::light)) << "a bus that did not answer is not every bus";

@@ -2,19 +2,12 @@
 
 #include "Platform/linux/x11/PasteStroke.h"
 #include "Platform/linux/x11/X11Workspace.h"
+#include "Platform/memory/MemoryPlatform.h"
 #include "tests/platform/desktop/DesktopHarness.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
-
-class NoEntries : public DesktopEntries {
-public:
-    FrontApplication application(const WindowIdentity &) const override { return {}; }
-    std::optional<QString> iconName(const QString &) const override { return std::nullopt; }
-};
 
 class Paste : public ::testing::Test {
 protected:
@@ -29,25 +22,11 @@ protected:
     }
 
     Hand hand;
-    X11Workspace workspace{std::make_shared<NoEntries>()};
-    int primaryClaims = 0;
-    X11KeyEvents keys{workspace, [this] { ++primaryClaims; }};
+    X11Workspace workspace{std::make_shared<MemoryDesktopEntries>()};
+    X11KeyEvents keys{workspace, {}};
 };
 
-QString readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 } // namespace
-
-TEST_F(Paste, ReachesTheProgramInFront)
-{
-    Neighbour neighbour;
-    EXPECT_TRUE(pastes(neighbour, QStringLiteral("hello")));
-    EXPECT_EQ(primaryClaims, 0);
-}
 
 struct LayoutCase {
     const char *name;
@@ -67,9 +46,7 @@ TEST_P(PasteOnLayout, UsesTheKeyThatTypesV)
     Neighbour neighbour;
     const Layout layout(GetParam().arguments);
     if (GetParam().secondGroup) {
-        hand.press(Hand::shift);
-        hand.tap(62);
-        hand.release(Hand::shift);
+        hand.chord({Hand::shift, 62});
         hand.settle();
     }
     EXPECT_TRUE(pastes(neighbour, QStringLiteral("layout")));
@@ -142,7 +119,7 @@ TEST_F(Paste, TypesNothingWhenTheFocusDoesNotComeBack)
     thief.activateWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return hand.focus() == thief.winId(); }, 3000));
     keys.postPaste();
-    EXPECT_FALSE(QTest::qWaitFor([&] { return !thief.field->text().isEmpty(); }, 500));
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !thief.field->text().isEmpty(); }, 1500));
     hand.setFocus(neighbour.window);
     EXPECT_FALSE(QTest::qWaitFor([&] { return !neighbour.text.isEmpty(); }, 200));
 }
@@ -158,52 +135,17 @@ TEST_F(Paste, CannotBeTypedOnAnEmptyDesktop)
     keys.postPaste();
 }
 
-TEST_F(Paste, ReachesAnXtermThroughThePrimarySelection)
-{
-    Neighbour owner; // of both selections, with one window, as our own pasteboard is
-    QTemporaryDir scratch;
-    const QString file = scratch.filePath(QStringLiteral("typed"));
-    QProcess xterm;
-    xterm.start(QStringLiteral("xterm"), {QStringLiteral("-geometry"), QStringLiteral("60x10+100+100"),
-                                          QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
-                                          QStringLiteral("echo ready > '%1'; cat >> '%1'").arg(file)});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return readAll(file) == QStringLiteral("ready\n"); }, 10000));
-    QProcess find;
-    find.start(QStringLiteral("xdotool"),
-               {QStringLiteral("search"), QStringLiteral("--sync"), QStringLiteral("--onlyvisible"),
-                QStringLiteral("--class"), QStringLiteral("XTerm")});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return find.state() == QProcess::NotRunning; }, 10000));
-    const quint32 window = find.readAll().trimmed().toUInt();
-    ASSERT_NE(window, 0U);
-    ASSERT_TRUE(owner.own("from the history"));
-    hand.setFocus(window);
-    ASSERT_TRUE(waitForFront(window));
-
-    keys.postPaste();
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] {
-            hand.tap(Hand::returnKey);
-            return readAll(file).contains(QStringLiteral("from the history\n"));
-        },
-        5000))
-        << readAll(file).toStdString();
-    EXPECT_EQ(primaryClaims, 1);
-    xterm.terminate();
-    xterm.waitForFinished(5000);
-}
-
 TEST(PasteStrokes, SuitTheKindOfProgram)
 {
-    const auto of = [](const char *className) {
+    constexpr KeyStroke plain{true, false, XKB_KEY_v}, terminal{true, true, XKB_KEY_v},
+        insert{false, true, XKB_KEY_Insert}, yank{true, false, XKB_KEY_y};
+    const std::pair<const char *, PasteStroke> cases[] = {
+        {"Mousepad", {plain, false}}, {"", {plain, false}},      {"Gnome-terminal", {terminal, false}},
+        {"kitty", {terminal, false}}, {"XTerm", {insert, true}}, {"URxvt", {insert, true}},
+        {"Emacs", {yank, false}}};
+    for (const auto &[className, stroke] : cases) {
         WindowIdentity identity;
         identity.className = QString::fromLatin1(className);
-        return pasteStroke(identity);
-    };
-    EXPECT_EQ(of("Mousepad"), (PasteStroke{{true, false, XKB_KEY_v}, false}));
-    EXPECT_EQ(of(""), (PasteStroke{{true, false, XKB_KEY_v}, false}));
-    EXPECT_EQ(of("Gnome-terminal"), (PasteStroke{{true, true, XKB_KEY_v}, false}));
-    EXPECT_EQ(of("kitty"), (PasteStroke{{true, true, XKB_KEY_v}, false}));
-    EXPECT_EQ(of("XTerm"), (PasteStroke{{false, true, XKB_KEY_Insert}, true}));
-    EXPECT_EQ(of("URxvt"), (PasteStroke{{false, true, XKB_KEY_Insert}, true}));
-    EXPECT_EQ(of("Emacs"), (PasteStroke{{true, false, XKB_KEY_y}, false}));
+        EXPECT_EQ(pasteStroke(identity), stroke) << className;
+    }
 }

@@ -19,15 +19,9 @@ TEST(KeyboardLayout, AnswersWhatAKeyTypes)
 {
     const X11KeyboardLayout layout;
     EXPECT_EQ(layout.layoutCharacter(KeyCode::v), QStringLiteral("v"));
-    EXPECT_EQ(layout.layoutCharacter(18), QStringLiteral("1"));
     EXPECT_EQ(layout.layoutCharacter(50), QStringLiteral("`"));
     EXPECT_EQ(layout.layoutCharacter(83), QStringLiteral("1")) << "keypad";
     EXPECT_EQ(layout.layoutCharacter(KeyCode::space), QStringLiteral(" "));
-}
-
-TEST(KeyboardLayout, NamesKeysThatTypeNothing)
-{
-    const X11KeyboardLayout layout;
     for (const quint32 silent : {KeyCode::returnKey, KeyCode::escape, 122U, 110U, 52U, 9999U})
         EXPECT_EQ(layout.layoutCharacter(silent), std::nullopt) << silent;
     EXPECT_EQ(layout.symbolName(110), QStringLiteral("Menu"));
@@ -36,34 +30,23 @@ TEST(KeyboardLayout, NamesKeysThatTypeNothing)
     EXPECT_EQ(layout.symbolName(9999), std::nullopt);
 }
 
-TEST(KeyboardLayout, FollowsAnotherLayout)
+TEST(KeyboardLayout, FollowsTheLayoutAndItsGroupInForce)
 {
     const X11KeyboardLayout layout;
     {
-        const Layout dvorak({QStringLiteral("us"), QStringLiteral("-variant"), QStringLiteral("dvorak")});
+        const Layout dvorak({"us", "-variant", "dvorak"});
         EXPECT_TRUE(types(layout, 47, QStringLiteral("v")));
         EXPECT_EQ(layout.layoutCharacter(KeyCode::v), QStringLiteral("k"));
     }
-    EXPECT_TRUE(types(layout, KeyCode::v, QStringLiteral("v")));
-}
-
-TEST(KeyboardLayout, AnswersForTheGroupInForce)
-{
-    const X11KeyboardLayout layout;
-    const Layout both(
-        {QStringLiteral("us,ru"), QStringLiteral("-option"), QStringLiteral("grp:shifts_toggle")});
-    ASSERT_TRUE(types(layout, KeyCode::v, QStringLiteral("v")));
+    {
+        const Layout accents({"us", "-variant", "intl"});
+        EXPECT_TRUE(types(layout, 39, QStringLiteral("´"))) << "dead keys type their accent";
+        EXPECT_EQ(layout.layoutCharacter(50), QStringLiteral("`"));
+    }
+    const Layout both({"us,ru", "-option", "grp:shifts_toggle"});
+    EXPECT_TRUE(types(layout, 39, QStringLiteral("'")));
+    EXPECT_EQ(layout.layoutCharacter(KeyCode::v), QStringLiteral("v"));
     Hand hand;
-    hand.press(Hand::shift);
-    hand.tap(62);
-    hand.release(Hand::shift);
+    hand.chord({Hand::shift, 62});
     EXPECT_TRUE(types(layout, KeyCode::v, QStringLiteral("м")));
-}
-
-TEST(KeyboardLayout, DeadKeysTypeTheirAccent)
-{
-    const X11KeyboardLayout layout;
-    const Layout intl({QStringLiteral("us"), QStringLiteral("-variant"), QStringLiteral("intl")});
-    EXPECT_TRUE(types(layout, 39, QStringLiteral("´")));
-    EXPECT_EQ(layout.layoutCharacter(50), QStringLiteral("`"));
 }

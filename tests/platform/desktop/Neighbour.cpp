@@ -1,12 +1,15 @@
 // Another program: a window with a text field. It tells on standard output what happens to it, and obeys
 // words on standard input.
+//
+//     desktopNeighbour [line|view TEXT POSITION]    the field, what it holds, and where its caret is
 
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QSocketNotifier>
-#include <QTextStream>
+#include <QTextCursor>
+#include <QTextEdit>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <iostream>
@@ -33,6 +36,32 @@ public:
     int presses = 0;
 };
 
+QWidget *makeView(const QString &text, int position)
+{
+    auto *view = new QTextEdit;
+    view->setPlainText(text);
+    QTextCursor cursor = view->textCursor();
+    cursor.setPosition(position);
+    view->setTextCursor(cursor);
+    return view;
+}
+
+QWidget *makeLine(const QString &text, int position)
+{
+    auto *line = new QLineEdit(text);
+    line->setCursorPosition(position);
+    QObject::connect(line, &QLineEdit::textChanged, line, [](const QString &now) { say(u"text " + now); });
+    return line;
+}
+
+// Where the toolkit tells input methods that it is, in its own screen coordinates.
+QString caretOf(const QWidget *field)
+{
+    const QRect local = field->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+    const QPoint place = field->mapToGlobal(local.topLeft());
+    return QStringLiteral("%1 %2 %3 %4").arg(place.x()).arg(place.y()).arg(local.width()).arg(local.height());
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -41,7 +70,9 @@ int main(int argc, char **argv)
     QApplication::setApplicationName(QStringLiteral("DesktopNeighbour"));
     QWidget window;
     window.setWindowTitle(QStringLiteral("Neighbour"));
-    auto *field = new QLineEdit;
+    const QStringList arguments = QApplication::arguments();
+    const auto make = arguments.value(1) == u"view" ? makeView : makeLine;
+    QWidget *field = make(arguments.value(2), arguments.value(3).toInt());
     auto *layout = new QVBoxLayout(&window);
     layout->addWidget(field);
     Reporter reporter;
@@ -51,8 +82,6 @@ int main(int argc, char **argv)
     window.activateWindow();
     field->setFocus();
 
-    QObject::connect(field, &QLineEdit::textChanged, field,
-                     [](const QString &text) { say(u"text " + text); });
     QObject::connect(&application, &QApplication::focusChanged, field, [field](QWidget *, QWidget *now) {
         say(now == field ? QStringLiteral("focused") : QStringLiteral("unfocused"));
     });
@@ -68,8 +97,8 @@ int main(int argc, char **argv)
         if (order == "report") {
             QGuiApplication::sync();
             say(QStringLiteral("report %1 %2").arg(reporter.keys).arg(reporter.presses));
-        } else if (order == "hide") {
-            window.hide();
+        } else if (order == "caret") {
+            say(caretOf(field));
         } else if (order == "activate") {
             window.activateWindow();
         } else if (order.rfind("own ", 0) == 0) {

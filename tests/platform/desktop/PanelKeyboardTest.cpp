@@ -18,13 +18,9 @@ TEST_P(GrabbingPanel, IsClosedByAHotKeyThatWasHeldWhenItOpened)
 {
     Neighbour neighbour;
     for (int round = 1; round <= 2; ++round) {
-        hand.press(Hand::control);
-        hand.press(Hand::alt);
-        hand.press(Hand::v);
+        holdHotKey();
         ASSERT_TRUE(waitForPanelFocus());
-        hand.release(Hand::v); // no longer seen by who waits for the hot key
-        hand.release(Hand::alt);
-        hand.release(Hand::control);
+        releaseHotKey(); // no longer seen by who waits for the hot key
         hand.tap(Hand::x);
         EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));
         pressHotKey();
@@ -48,11 +44,11 @@ TEST_P(GrabbingPanel, BecomesManagedWhereTheGrabIsRefused)
     ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
     open();
     if (!runsUnderWindowManager()) {
-        EXPECT_TRUE(log.contains(QStringLiteral("stays without the keyboard")));
+        EXPECT_TRUE(log.mention(QStringLiteral("stays without the keyboard")));
         surface.dismiss();
         return;
     }
-    EXPECT_TRUE(log.contains(QStringLiteral("asks the window manager")));
+    EXPECT_TRUE(log.mention(QStringLiteral("asks the window manager")));
     EXPECT_FALSE(isUnmanaged());
     EXPECT_TRUE(QTest::qWaitFor([&] { return hand.focus() == panel.winId(); }, 3000));
     EXPECT_EQ(workspace.rememberedWindow(), neighbour.window);
@@ -77,11 +73,11 @@ TEST_P(AutomaticPanel, KeepsTheKeyboardFromAProgramThatTakesItBackAtOnce)
 {
     Neighbour neighbour;
     // It closes where the machine is too busy for "at once".
-    for (int tries = 0; tries < 10 && !log.contains(QStringLiteral("grabs the keyboard")); ++tries) {
+    for (int tries = 0; tries < 10 && !log.mention(QStringLiteral("grabs the keyboard")); ++tries) {
         open();
         ASSERT_TRUE(waitForPanelFocus());
         hand.setFocus(neighbour.window);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !log.isEmpty() || !surface.isPresented(); }, 3000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return log.count() > 0 || !surface.isPresented(); }, 3000));
     }
     hand.tap(Hand::x);
     EXPECT_TRUE(waitForPanelText(QStringLiteral("x")));

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Platform/KeyCodes.h"
-#include "Platform/Log.h"
 #include "Platform/linux/x11/WindowProperties.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11PanelSurface.h"
 #include "Platform/linux/x11/X11Workspace.h"
+#include "Platform/memory/MemoryPlatform.h"
 #include "tests/platform/desktop/DesktopHarness.h"
+#include "tests/support/LogLines.h"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -14,21 +15,8 @@
 inline const QRect place(300, 300, 400, 200);
 inline const QPoint outside(50, 900);
 
-// Desktop entries of a machine on which nothing is installed.
-class NoPanelEntries : public DesktopEntries {
-public:
-    FrontApplication application(const WindowIdentity &window) const override
-    {
-        return {window.className, window.className};
-    }
-    std::optional<QString> iconName(const QString &) const override { return std::nullopt; }
-};
-
 // The panel and all that is behind it, wired as the application wires it: the hot key toggles.
 class PanelOnDesktop : public ::testing::TestWithParam<PanelKind> {
-public:
-    ~PanelOnDesktop() override { setLogSink({}); }
-
 protected:
     PanelOnDesktop()
     {
@@ -46,7 +34,6 @@ protected:
                 open();
         };
         EXPECT_EQ(hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command | ModifierFlag::option), 0);
-        setLogSink([this](const QString &line) { log += line; });
     }
     void open()
     {
@@ -55,6 +42,18 @@ protected:
         surface.present(place);
     }
     void pressHotKey() { hand.chord({Hand::control, Hand::alt, Hand::v}); }
+    void holdHotKey()
+    {
+        hand.press(Hand::control);
+        hand.press(Hand::alt);
+        hand.press(Hand::v);
+    }
+    void releaseHotKey(unsigned delay = 0)
+    {
+        hand.release(Hand::v, delay);
+        hand.release(Hand::alt);
+        hand.release(Hand::control);
+    }
     bool waitForPanelText(const QString &wanted)
     {
         return QTest::qWaitFor([&] { return panel.field->text() == wanted; }, 3000);
@@ -87,11 +86,11 @@ protected:
     Hand hand;
     Panel panel;
     std::unique_ptr<X11HotKeys> hotKeys = X11HotKeys::create();
-    X11Workspace workspace{std::make_shared<NoPanelEntries>()};
+    X11Workspace workspace{std::make_shared<MemoryDesktopEntries>()};
     X11PanelSurface surface{*hotKeys, workspace, GetParam()};
     int presses = 0;
     int dismissRequests = 0;
-    QString log;
+    LogLines log;
 };
 
 // Of a kind of panel in the names of tests.

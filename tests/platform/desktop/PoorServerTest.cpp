@@ -1,12 +1,14 @@
 #include "Platform/KeyCodes.h"
-#include "Platform/Log.h"
 #include "Platform/linux/x11/X11HotKeys.h"
 #include "Platform/linux/x11/X11KeyEvents.h"
 #include "Platform/linux/x11/X11KeyboardLayout.h"
 #include "Platform/linux/x11/X11PanelSurface.h"
 #include "Platform/linux/x11/X11Screens.h"
 #include "Platform/linux/x11/X11Workspace.h"
+#include "Platform/memory/MemoryPlatform.h"
 #include "tests/platform/desktop/DesktopHarness.h"
+#include "tests/support/LogLines.h"
+#include "tests/support/XServer.h"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -17,47 +19,6 @@
 #include <unistd.h>
 
 namespace {
-
-class NoEntries : public DesktopEntries {
-public:
-    FrontApplication application(const WindowIdentity &) const override { return {}; }
-    std::optional<QString> iconName(const QString &) const override { return std::nullopt; }
-};
-
-// Our own connections go to another display while this lives; Qt stays where it is.
-class OtherDisplay {
-public:
-    explicit OtherDisplay(const QByteArray &display) { qputenv("DISPLAY", display); }
-    ~OtherDisplay() { qputenv("DISPLAY", usual); }
-
-private:
-    QByteArray usual = qgetenv("DISPLAY");
-};
-
-class Server {
-public:
-    explicit Server(const QStringList &without)
-    {
-        QStringList arguments = {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                 QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-                                 QStringLiteral("-noreset")};
-        for (const QString &extension : without)
-            arguments << QStringLiteral("-extension") << extension;
-        process.start(QStringLiteral("Xvfb"), arguments);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return process.canReadLine(); }, 15000));
-        display = ':' + process.readLine().trimmed();
-    }
-    ~Server() { kill(); }
-    void kill()
-    {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-    QByteArray display;
-
-private:
-    QProcess process;
-};
 
 int unixSocket(const QByteArray &path, int (*open)(int, const sockaddr *, socklen_t))
 {
@@ -137,7 +98,7 @@ private:
 struct Services {
     std::unique_ptr<X11HotKeys> hotKeys = X11HotKeys::create();
     X11KeyboardLayout layout;
-    X11Workspace workspace{std::make_shared<NoEntries>()};
+    X11Workspace workspace{std::make_shared<MemoryDesktopEntries>()};
     X11PanelSurface surface{*hotKeys, workspace};
     X11KeyEvents keys{workspace, {}};
     X11Screens screens;
@@ -156,27 +117,12 @@ struct Services {
     }
 };
 
-class LogLines {
-public:
-    LogLines()
-    {
-        setLogSink([this](const QString &line) { lines << line; });
-    }
-    ~LogLines() { setLogSink({}); }
-    [[nodiscard]] bool mention(const QString &word) const
-    {
-        return lines.join(QLatin1Char('\n')).contains(word);
-    }
-    QStringList lines;
-};
-
 } // namespace
 
 TEST(PoorServer, WithoutXtestTypesNothingAndSaysSo)
 {
-    Server server({QStringLiteral("XTEST")});
-    LogLines log;
-    const OtherDisplay display(server.display);
+    const LogLines log;
+    const XServer server({"XTEST"});
     Services services;
     EXPECT_FALSE(services.keys.canSynthesise());
     EXPECT_EQ(services.hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command), 0);
@@ -187,21 +133,20 @@ TEST(PoorServer, WithoutXtestTypesNothingAndSaysSo)
 
 TEST(PoorServer, ThatIsMissingRefusesEverything)
 {
-    LogLines log;
-    const OtherDisplay display(":9999");
+    const LogLines log;
+    const Variable display("DISPLAY", ":9999");
     Services services;
     EXPECT_EQ(services.hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command), -1);
     EXPECT_FALSE(services.keys.canSynthesise());
     EXPECT_EQ(services.workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(services.layout.layoutCharacter(KeyCode::v), std::nullopt);
     services.useAll();
-    EXPECT_FALSE(log.lines.isEmpty());
+    EXPECT_GT(log.count(), 0);
 }
 
 TEST(PoorServer, ThatDiesLeavesUsAlive)
 {
-    Server server({});
-    const OtherDisplay display(server.display);
+    XServer server;
     Services services;
     ASSERT_EQ(services.hotKeys->registerHotKey(KeyCode::v, ModifierFlag::command), 0);
     server.kill();
@@ -213,10 +158,10 @@ TEST(PoorServer, ThatDiesLeavesUsAlive)
 TEST(PoorServer, WithoutXkbTellsAutoRepeatAndFindsTheKeysAllTheSame)
 {
     Neighbour neighbour;
-    LogLines log;
+    const LogLines log;
     Hand hand;
     const Censor censor("XKEYBOARD");
-    const OtherDisplay display(censor.display);
+    const Variable display("DISPLAY", censor.display);
     Services services;
     EXPECT_TRUE(log.mention(QStringLiteral("no XKB extension")));
     int presses = 0;
@@ -244,10 +189,10 @@ TEST(PoorServer, WithoutXkbTellsAutoRepeatAndFindsTheKeysAllTheSame)
 TEST(PoorServer, WithoutXInputClosesThePanelWhenItLosesTheFocus)
 {
     Neighbour neighbour;
-    LogLines log;
+    const LogLines log;
     Hand hand;
     const Censor censor("XInputExtension");
-    const OtherDisplay display(censor.display);
+    const Variable display("DISPLAY", censor.display);
     Services services;
     EXPECT_TRUE(log.mention(QStringLiteral("no XInput 2.2")));
     Panel panel;

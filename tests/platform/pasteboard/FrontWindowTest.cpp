@@ -8,67 +8,26 @@
 
 namespace {
 
-// A window as programs have them.
-class Program : public X11Client {
+class FrontWindowTest : public PasteboardTest {
 public:
-    explicit Program(const QByteArray &wmClass)
+    ~FrontWindowTest() override
     {
-        setBytes("WM_CLASS", wmClass.toLower() + '\0' + wmClass + '\0');
-        xcb_map_window(connection, ownWindow);
-        sync();
-    }
-    ~Program() override { die(); }
-
-    void setBytes(const QByteArray &property, const QByteArray &value)
-    {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, ownWindow, atom(property), XCB_ATOM_STRING, 8,
-                            static_cast<uint32_t>(value.size()), value.constData());
-        sync();
+        xcb_delete_property(front.raw(), front.root(), front.atom("_NET_ACTIVE_WINDOW"));
+        front.sync();
     }
 
-    void setPid(quint32 pid)
-    {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, ownWindow, atom("_NET_WM_PID"),
-                            XCB_ATOM_CARDINAL, 32, 1, &pid);
-        sync();
-    }
+protected:
+    FrontWindowTest() { front.put("WM_CLASS", "STRING", 8, QByteArray("front\0Front\0", 12)); }
 
-    void becomeOverrideRedirect()
-    {
-        const uint32_t yes = 1;
-        xcb_change_window_attributes(connection, ownWindow, XCB_CW_OVERRIDE_REDIRECT, &yes);
-        sync();
-    }
-
-    void takeFocus()
-    {
-        xcb_set_input_focus(connection, XCB_INPUT_FOCUS_POINTER_ROOT, ownWindow, XCB_CURRENT_TIME);
-        sync();
-    }
+    void setPid() { front.put("_NET_WM_PID", "CARDINAL", 32, bytesOf({static_cast<quint32>(getpid())})); }
 
     // In the window manager's place.
     void nameActive(xcb_window_t window)
     {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, root(), atom("_NET_ACTIVE_WINDOW"),
-                            XCB_ATOM_WINDOW, 32, 1, &window);
-        sync();
+        front.X11Client::put(front.root(), front.atom("_NET_ACTIVE_WINDOW"), "WINDOW", 32, bytesOf({window}));
+        front.sync();
     }
 
-    void forgetActive()
-    {
-        xcb_delete_property(connection, root(), atom("_NET_ACTIVE_WINDOW"));
-        sync();
-    }
-
-private:
-    void handle(const xcb_generic_event_t &) override {}
-};
-
-class FrontWindowTest : public PasteboardTest {
-public:
-    ~FrontWindowTest() override { front.forgetActive(); }
-
-protected:
     QString frontAfterCopy()
     {
         const qint64 before = pasteboard->changeCount();
@@ -80,53 +39,44 @@ protected:
     }
 
     Owner owner;
-    Program front{"Front"};
+    X11Client front;
 };
 
 } // namespace
 
-TEST_F(FrontWindowTest, TheActiveWindowIsInFront)
+TEST_F(FrontWindowTest, TheWindowManagersWordAndWithoutOneTheFocusDecides)
 {
-    front.nameActive(front.window());
+    front.beInFront("Front");
     EXPECT_EQ(frontAfterCopy(), QStringLiteral("Front"));
-}
-
-TEST_F(FrontWindowTest, WithoutAWindowManagerTheFocusDecides)
-{
-    front.takeFocus();
+    X11Client other;
+    other.beInFront("Other");
+    nameActive(front.window());
     EXPECT_EQ(frontAfterCopy(), QStringLiteral("Front"));
+    nameActive(0x7fffff); // a window that is gone
+    EXPECT_EQ(frontAfterCopy(), QStringLiteral("none"));
+    setPid(); // our own are ours
+    nameActive(front.window());
+    EXPECT_EQ(frontAfterCopy(), QStringLiteral("com.norvane.app"));
 }
 
 TEST_F(FrontWindowTest, WhilePanelOrNothingIsActiveTheLastWindowStaysInFront)
 {
-    Program panel("Norvane");
-    panel.becomeOverrideRedirect();
-    front.nameActive(front.window());
+    X11Client panel;
+    const uint32_t yes = 1;
+    xcb_change_window_attributes(panel.raw(), panel.window(), XCB_CW_OVERRIDE_REDIRECT, &yes);
+    nameActive(front.window());
     settle(); // window managers leave more than an instant between the two
-    front.nameActive(XCB_WINDOW_NONE);
-    panel.takeFocus();
+    nameActive(XCB_WINDOW_NONE);
+    panel.beInFront("Norvane");
     EXPECT_EQ(frontAfterCopy(), QStringLiteral("Front"));
-    front.nameActive(panel.window());
+    nameActive(panel.window());
     EXPECT_EQ(frontAfterCopy(), QStringLiteral("Front"));
-}
-
-TEST_F(FrontWindowTest, OurOwnWindowsAreOurs)
-{
-    front.setPid(static_cast<quint32>(getpid()));
-    front.nameActive(front.window());
-    EXPECT_EQ(frontAfterCopy(), QStringLiteral("com.norvane.app"));
-}
-
-TEST_F(FrontWindowTest, WindowsThatAreGoneAreNoApplication)
-{
-    front.nameActive(0x7fffff);
-    EXPECT_EQ(frontAfterCopy(), QStringLiteral("none"));
 }
 
 TEST_F(FrontWindowTest, IdentityIsReadAsFarAsItIsSaid)
 {
-    front.setBytes("_GTK_APPLICATION_ID", "org.example.Front");
-    front.setPid(static_cast<quint32>(getpid()));
+    front.put("_GTK_APPLICATION_ID", "STRING", 8, "org.example.Front");
+    setPid();
     const WindowIdentity identity = readWindowIdentity(front.raw(), front.window());
     EXPECT_EQ(identity.instanceName, QStringLiteral("front"));
     EXPECT_EQ(identity.className, QStringLiteral("Front"));
@@ -134,7 +84,7 @@ TEST_F(FrontWindowTest, IdentityIsReadAsFarAsItIsSaid)
     EXPECT_EQ(identity.pid, getpid());
     EXPECT_EQ(identity.executable, QStringLiteral("pasteboardTest"));
 
-    front.setBytes("WM_CLIENT_MACHINE", "elsewhere"); // its process ids are not ours
+    front.put("WM_CLIENT_MACHINE", "STRING", 8, "elsewhere"); // its process ids are not ours
     EXPECT_EQ(readWindowIdentity(front.raw(), front.window()).pid, 0);
     EXPECT_EQ(readWindowIdentity(front.raw(), 0x7fffff).className, QString());
 }

@@ -11,9 +11,9 @@
 
 namespace {
 
-using Request = xcb_selection_request_event_t;
+using Request = SelectionRequest;
 
-constexpr size_t mebibyte = 1048576;
+constexpr qsizetype mebibyte = 1048576;
 
 // Owners. Each takes the clipboard; `onRequest` deals with a question, `onDelete` with a chunk that was
 // taken.
@@ -43,16 +43,16 @@ auto atContent(std::function<void(HostileProgram &, const Request &)> fault)
 void startChunks(HostileProgram &program, const Request &request, uint32_t announced)
 {
     program.watch(request.requestor);
-    program.put(request, "INCR", 32, HostileProgram::bytesOf({announced}));
+    program.put(request, "INCR", 32, bytesOf({announced}));
     program.notify(request);
 }
 
-auto chunksOf(size_t size, int actedAfter, int dieAfter = 0)
+auto chunksOf(qsizetype size, int actedAfter, int dieAfter = 0)
 {
     return [=, sent = 0](HostileProgram &program) mutable {
         if (dieAfter > 0 && ++sent > dieAfter)
             program.actAndDie();
-        program.put(program.lastRequest, "UTF8_STRING", 8, std::string(size, 'x'));
+        program.put(program.lastRequest, "UTF8_STRING", 8, QByteArray(size, 'x'));
         program.actedOnce(++program.chunks >= actedAfter);
     };
 }
@@ -77,9 +77,9 @@ void sendUnaskedNotifications(HostileProgram &program, const Request &request)
         return; // once, or they would answer what others are asked as well
     for (int i = 0; i < 20000; ++i) {
         Request unasked = request;
-        unasked.property = program.atom("_NORVANE_ANSWER_" + std::to_string(i % 64));
+        unasked.property = program.atom("_NORVANE_ANSWER_" + QByteArray::number(i % 64));
         if (i < 200)
-            program.put(unasked, "UTF8_STRING", 8, std::string(65536, 'x'));
+            program.put(unasked, "UTF8_STRING", 8, QByteArray(65536, 'x'));
         program.notify(unasked);
     }
     program.actedOnce(true);
@@ -89,18 +89,18 @@ void fillTheWindow(HostileProgram &program, const Request &request)
 {
     for (int i = 0; i < 500; ++i) {
         Request odd = request;
-        odd.property = program.atom("HOSTILE_" + std::to_string(i));
-        program.put(odd, "STRING", 8, std::string(65536, 'x'));
+        odd.property = program.atom("HOSTILE_" + QByteArray::number(i));
+        program.put(odd, "STRING", 8, QByteArray(65536, 'x'));
     }
     program.actedOnce(true);
 }
 
 void listNames(HostileProgram &program, const Request &request)
 {
-    std::vector<std::string> names;
+    QByteArrayList names;
     names.reserve(1024);
     for (int i = 0; i < 1024; ++i)
-        names.push_back(std::string(65500, 'n') + std::to_string(i)); // the longest that the protocol has
+        names.push_back(QByteArray(65500, 'n') + QByteArray::number(i)); // the longest that the protocol has
     program.put(request, "ATOM", 32, program.atoms(names));
     program.notify(request);
     program.actedOnce(true);
@@ -111,7 +111,7 @@ void listAMillion(HostileProgram &program, const Request &request)
     std::vector<uint32_t> targets(1000000);
     for (uint32_t i = 0; i < targets.size(); ++i)
         targets[i] = i + 1; // some are names, most are not
-    program.put(request, "ATOM", 32, HostileProgram::bytesOf(targets));
+    program.put(request, "ATOM", 32, bytesOf(targets));
     program.notify(request);
     program.actedOnce(true);
 }
@@ -119,13 +119,13 @@ void listAMillion(HostileProgram &program, const Request &request)
 void offerFarTooMuch(HostileProgram &program, const Request &request)
 {
     if (request.target == program.atom("TARGETS")) {
-        std::vector<std::string> names;
+        QByteArrayList names;
         names.reserve(20);
         for (int i = 0; i < 20; ++i)
-            names.push_back("application/x-" + std::to_string(i));
+            names.push_back("application/x-" + QByteArray::number(i));
         program.put(request, "ATOM", 32, program.atoms(names));
     } else {
-        program.put(request, "STRING", 8, std::string((++program.chunks % 2 ? 7 : 15) * mebibyte, 'x'));
+        program.put(request, "STRING", 8, QByteArray((++program.chunks % 2 ? 7 : 15) * mebibyte, 'x'));
     }
     program.notify(request);
     program.actedOnce(program.chunks >= 10);
@@ -134,12 +134,12 @@ void offerFarTooMuch(HostileProgram &program, const Request &request)
 void listSomethingElseEachTime(HostileProgram &program, const Request &request)
 {
     if (request.target == program.atom("TARGETS")) {
-        const std::string number = std::to_string(program.chunks++);
+        const QByteArray number = QByteArray::number(program.chunks++);
         program.put(request, "ATOM", 32,
                     program.atoms({"UTF8_STRING", "application/x-" + number, "text/html"}));
         program.notify(request);
     } else { // claims anew in the middle of the read, and no longer has what it listed
-        program.refuse(request);
+        program.notify(request, false);
         program.actedOnce(program.chunks > 20);
         if (program.chunks <= 20)
             program.claim();
@@ -151,7 +151,7 @@ void answerWithWrongTypes(HostileProgram &program, const Request &request)
     if (request.target == program.atom("TARGETS"))
         program.put(request, "STRING", 8, "seven b");
     else if (request.target == program.atom("UTF8_STRING"))
-        program.put(request, "INTEGER", 32, std::string(12, '\xff'));
+        program.put(request, "INTEGER", 32, QByteArray(12, '\xff'));
     else
         program.put(request, "INCR", 8, ""); // a header without a number
     program.notify(request);
@@ -190,7 +190,7 @@ const std::vector<OwnerFault> &ownerFaults()
         {"hangs-after-chunk", atContent(startLongText),
          [](auto &program) {
              if (program.chunks++ == 0)
-                 program.put(program.lastRequest, "UTF8_STRING", 8, std::string(1000, 'x'));
+                 program.put(program.lastRequest, "UTF8_STRING", 8, QByteArray(1000, 'x'));
              program.actedOnce(true);
          }},
         {"dies-at-list", actAndDie, {}},
@@ -228,10 +228,10 @@ const std::vector<OwnerFault> &ownerFaults()
         const auto event = program.next();
         const auto type = event->response_type & 0x7f;
         if (type == XCB_SELECTION_REQUEST) {
-            program.lastRequest = reinterpret_cast<const Request &>(*event);
+            program.lastRequest = as<Request>(*event);
             fault.onRequest(program, program.lastRequest);
         } else if (type == XCB_PROPERTY_NOTIFY && onDelete) {
-            const auto &notify = reinterpret_cast<const xcb_property_notify_event_t &>(*event);
+            const auto &notify = as<xcb_property_notify_event_t>(*event);
             if (notify.state == XCB_PROPERTY_DELETE && notify.atom == program.lastRequest.property)
                 onDelete(program);
         }
@@ -244,10 +244,10 @@ struct RequestorFault {
     std::function<void(HostileProgram &)> act;
 };
 
-void askManyTimes(HostileProgram &program, const std::string &target, int times, int properties)
+void askManyTimes(HostileProgram &program, const QByteArray &target, int times, int properties)
 {
     for (int i = 0; i < times; ++i)
-        program.ask(target, "HOSTILE_" + std::to_string(i % properties));
+        program.ask(target, "HOSTILE_" + QByteArray::number(i % properties));
     program.awaitNotifications(times);
     program.actedOnce(true);
 }
@@ -266,8 +266,8 @@ void askForManyPairs(HostileProgram &program)
 {
     std::vector<uint32_t> pairs(200000, program.atom("UTF8_STRING"));
     for (size_t i = 1; i < pairs.size(); i += 2)
-        pairs[i] = program.atom("HOSTILE_" + std::to_string(i % 64));
-    program.setOwnProperty("HOSTILE", "ATOM_PAIR", HostileProgram::bytesOf(pairs));
+        pairs[i] = program.atom("HOSTILE_" + QByteArray::number(i % 64));
+    program.put("HOSTILE", "ATOM_PAIR", 32, bytesOf(pairs));
     program.ask("MULTIPLE", "HOSTILE");
     program.awaitNotifications(1);
     program.actedOnce(true);
@@ -276,9 +276,9 @@ void askForManyPairs(HostileProgram &program)
 // Events that only the server may send, as if from it.
 void forgeEvents(HostileProgram &program)
 {
-    const xcb_window_t victim = program.ownerOfClipboard();
+    const xcb_window_t victim = program.holderOf("CLIPBOARD");
     for (int i = 0; i < 200; ++i) {
-        const xcb_atom_t property = program.atom("_NORVANE_ANSWER_" + std::to_string(i % 64));
+        const xcb_atom_t property = program.atom("_NORVANE_ANSWER_" + QByteArray::number(i % 64));
         for (const xcb_window_t requestor : {victim, program.root(), xcb_window_t(0x12345)})
             program.forgeRequest(victim, requestor, property);
         program.forgeClear(victim);
@@ -302,7 +302,7 @@ const std::vector<RequestorFault> &requestorFaults()
          [](auto &program) {
              for (int i = 0; i < 20000; ++i)
                  program.ask("TARGETS", "HOSTILE");
-             program.flush();
+             xcb_flush(program.raw());
              program.actedOnce(true);
          }},
     };

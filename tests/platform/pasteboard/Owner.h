@@ -4,10 +4,9 @@
 
 #include <QByteArrayList>
 #include <optional>
-#include <vector>
 
 // Copies on command, and misbehaves on command.
-class Owner : public X11Client {
+class Owner : public LiveClient {
 public:
     struct Form {
         QByteArray bytes;
@@ -23,18 +22,15 @@ public:
         qsizetype chunk = 65536;
         quint32 announced = 0;
         QByteArray type = {}; // empty: the target's name
-        quint8 format = 8;
+        int format = 8;
         QByteArray notified = {}; // the target that the answer names; empty: the one that was asked for
     };
 
-    ~Owner() override { die(); }
-
-    // In the order in which they are listed.
+    // In the order in which they are listed; an offer of TARGETS stands for the list itself.
     Owner &offer(const QByteArray &target, Form form);
     Owner &offer(const QByteArray &target, const QByteArray &bytes) { return offer(target, Form{bytes}); }
     void forgetOffers() { forms.clear(); }
 
-    void claim(const QByteArray &selection = "CLIPBOARD");
     void letGo();
     void destroyWindow();
     // Asks the clipboard manager to keep these targets, or all; what it answered.
@@ -43,32 +39,27 @@ public:
     void comeBack();    // from hanging: answers what was asked meanwhile
     [[nodiscard]] bool wasAskedFor(const QByteArray &target) const { return asked.contains(target); }
 
-    bool listsTargets = true;
     bool hangs = false;                    // answers nothing for now
     std::function<void()> beforeAnswering; // of anything but TARGETS
     std::function<void(const QByteArray &target)> afterAnswering;
     QByteArrayList asked;
-    int chunksSent = 0;
     int incrementalEnds = 0;
 
 private:
     struct Sending {
-        xcb_window_t requestor;
-        xcb_atom_t property;
-        xcb_atom_t type;
-        QByteArray bytes;
-        qsizetype chunk;
+        SelectionRequest request;
+        Form form;
         qsizetype sent = 0;
     };
 
     void handle(const xcb_generic_event_t &event) override;
-    void answer(const xcb_selection_request_event_t &request);
-    [[nodiscard]] bool put(const xcb_selection_request_event_t &request, const QByteArray &target);
+    void answer(const SelectionRequest &request);
+    [[nodiscard]] bool put(const SelectionRequest &request, const QByteArray &target, const Form *form);
     void sendChunk(const xcb_property_notify_event_t &event);
 
     std::vector<std::pair<QByteArray, Form>> forms;
     std::vector<Sending> sendings;
-    std::vector<xcb_selection_request_event_t> unanswered;
+    std::vector<SelectionRequest> unanswered;
     xcb_selection_notify_event_t lastNotify{};
     std::optional<xcb_atom_t> saved; // the property of the manager's answer
 };

@@ -1,10 +1,16 @@
 #include "tests/platform/pasteboard/PasteboardTest.h"
 
-PasteboardTest::PasteboardTest() : pasteboard(nullptr)
+#include "Platform/memory/MemoryPlatform.h"
+
+std::unique_ptr<X11Pasteboard> makePasteboard()
 {
-    Owner clearer;
-    clearer.letGo();
-    pasteboard = X11Pasteboard::create(std::make_shared<ClassNames>());
+    return X11Pasteboard::create(std::make_shared<MemoryDesktopEntries>());
+}
+
+PasteboardTest::PasteboardTest()
+{
+    Owner().letGo();
+    pasteboard = makePasteboard();
     if (!pasteboard) {
         ADD_FAILURE() << "no X server";
         std::abort();
@@ -17,6 +23,20 @@ void PasteboardTest::settle()
     bool settled = false;
     pasteboard->whenSettled([&] { settled = true; });
     EXPECT_TRUE(await([&] { return settled; }, 7000));
+}
+
+void PasteboardTest::copy(Owner &owner)
+{
+    const qint64 before = pasteboard->changeCount();
+    owner.claim();
+    EXPECT_TRUE(awaitChange(before));
+    settle();
+}
+
+void PasteboardTest::write(std::vector<PasteboardItem> content)
+{
+    pasteboard->write(std::move(content));
+    settle();
 }
 
 bool PasteboardTest::awaitChange(qint64 from, int milliseconds)
@@ -43,7 +63,7 @@ QString PasteboardTest::readText()
 {
     std::optional<QString> text;
     pasteboard->readText([&](const QString &read) { text = read; });
-    EXPECT_TRUE(await([&] { return text.has_value(); }, 1500));
+    EXPECT_TRUE(await([&] { return text.has_value(); }));
     return text.value_or(QString());
 }
 

@@ -3,13 +3,12 @@
 #include "tests/platform/pasteboard/X11Client.h"
 
 #include <QByteArrayList>
+#include <map>
 #include <optional>
 
 // Pastes on command.
-class Requestor : public X11Client {
+class Requestor : public LiveClient {
 public:
-    ~Requestor() override { die(); }
-
     struct Answer {
         QByteArray bytes;
         QByteArray type;
@@ -19,7 +18,7 @@ public:
     };
     // Absent when it was refused. Fails the test when there is no answer.
     std::optional<Answer> convert(const QByteArray &target, const QByteArray &selection = "CLIPBOARD",
-                                  xcb_timestamp_t time = XCB_CURRENT_TIME, bool withProperty = true);
+                                  xcb_timestamp_t time = XCB_CURRENT_TIME);
     QByteArray text(const QByteArray &selection = "CLIPBOARD");
     QByteArrayList targets(const QByteArray &selection = "CLIPBOARD");
 
@@ -30,11 +29,11 @@ public:
     Answer take(const QByteArray &property);
     Answer finish(const QByteArray &property); // takes the chunks of a transfer whose header was taken
 
-    xcb_selection_notify_event_t notify{};
-    int notifies = 0;
+    xcb_selection_notify_event_t answered{};
 
 private:
     void handle(const xcb_generic_event_t &event) override;
 
+    int notifies = 0;
     std::map<xcb_atom_t, int> newValues;
 };

@@ -3,29 +3,13 @@
 #include "Platform/linux/x11/PasteboardConnection.h"
 #include "Platform/linux/x11/SelectionServer.h"
 
-#include <QElapsedTimer>
-#include <array>
 #include <cstring>
 
 // How other programs are served.
 
 namespace {
 
-class ServeTest : public PasteboardTest {
-protected:
-    void write(std::vector<PasteboardItem> content)
-    {
-        pasteboard->write(std::move(content));
-        settle(); // the claim is made by then
-    }
-
-    Requestor requestor;
-};
-
-PasteboardRepresentation form(const char16_t *type, const QByteArray &data)
-{
-    return {QStringView(type).toString(), data};
-}
+class ServeTest : public PasteboardTest {};
 
 quint32 unit(const QByteArray &bytes, qsizetype index = 0)
 {
@@ -38,8 +22,8 @@ quint32 unit(const QByteArray &bytes, qsizetype index = 0)
 
 TEST_F(ServeTest, EveryTargetOfAStyledText)
 {
-    write({{{form(u"public.rtf", "{\\rtf1}"), form(u"public.html", "<b>"),
-             form(u"public.utf8-plain-text", "perch\xC3\xA9"), form(u"x/own", "own")}}});
+    write({{{form("public.rtf", "{\\rtf1}"), form("public.html", "<b>"), form(plainText, "perch\xC3\xA9"),
+             form("x/own", "own")}}});
     EXPECT_EQ(requestor.targets(),
               (QByteArrayList{"TIMESTAMP", "TARGETS", "MULTIPLE", "SAVE_TARGETS", "text/rtf",
                               "application/rtf", "text/richtext", "text/html", "UTF8_STRING",
@@ -60,47 +44,41 @@ TEST_F(ServeTest, EveryTargetOfAStyledText)
 
 TEST_F(ServeTest, TimeOfTheClaimDecidesWhichRequestsAreAnswered)
 {
-    const xcb_timestamp_t before = requestor.serverTime();
-    ASSERT_TRUE(await([&] { return requestor.serverTime() > before; }));
-    write({textItem("t")});
-    const auto answer = requestor.convert("TIMESTAMP");
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->format, 32);
-    const xcb_timestamp_t claimed = unit(answer->bytes);
-    EXPECT_GT(claimed, before);
+    const auto timeOfClaim = [this] {
+        write({textItem("t")});
+        const auto answer = requestor.convert("TIMESTAMP");
+        EXPECT_TRUE(answer && answer->format == 32);
+        return answer ? unit(answer->bytes) : 0;
+    };
+    const xcb_timestamp_t before = timeOfClaim();
+    xcb_timestamp_t claimed = 0;
+    ASSERT_TRUE(await([&] { return (claimed = timeOfClaim()) > before; }));
     EXPECT_EQ(requestor.convert("UTF8_STRING", "CLIPBOARD", before), std::nullopt);
     EXPECT_TRUE(requestor.convert("UTF8_STRING", "CLIPBOARD", claimed));
 }
 
-TEST_F(ServeTest, SaveTargetsIsAnsweredWithNothing)
+TEST_F(ServeTest, SaveTargetsIsAnsweredWithNothingAndWithoutAPropertyTheTargetsNameIsTaken)
 {
-    write({textItem("t")});
+    write({textItem("obsolete")});
     const auto answer = requestor.convert("SAVE_TARGETS");
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->type, QByteArray("NULL"));
     EXPECT_TRUE(answer->bytes.isEmpty());
-}
-
-TEST_F(ServeTest, WithoutAPropertyTheTargetsNameIsTaken)
-{
-    write({textItem("obsolete")});
-    const auto answer = requestor.convert("UTF8_STRING", "CLIPBOARD", XCB_CURRENT_TIME, false);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->bytes, QByteArray("obsolete"));
+    requestor.ask("UTF8_STRING", {});
+    ASSERT_TRUE(requestor.awaitNotify());
+    EXPECT_EQ(requestor.take("UTF8_STRING").bytes, QByteArray("obsolete"));
 }
 
 TEST_F(ServeTest, SeveralTargetsInOneRequest)
 {
-    write({{{form(u"public.utf8-plain-text", "t"), form(u"x/long", pattern(600'000))}}});
-    const std::array pairs = {requestor.atom("UTF8_STRING"), requestor.atom("ONE"),
-                              requestor.atom("x/unknown"),   requestor.atom("TWO"),
-                              requestor.atom("x/long"),      requestor.atom("THREE"),
-                              requestor.atom("MULTIPLE"),    requestor.atom("FOUR")};
-    xcb_change_property(requestor.raw(), XCB_PROP_MODE_REPLACE, requestor.window(), requestor.atom("PAIRS"),
-                        requestor.atom("ATOM_PAIR"), 32, pairs.size(), pairs.data());
+    write({{{form(plainText, "t"), form("x/long", pattern(600'000))}}});
+    std::vector<quint32> pairs;
+    for (const char *name : {"UTF8_STRING", "ONE", "x/unknown", "TWO", "x/long", "THREE", "MULTIPLE", "FOUR"})
+        pairs.push_back(requestor.atom(name));
+    requestor.put("PAIRS", "ATOM_PAIR", 32, bytesOf(pairs));
     requestor.ask("MULTIPLE", "PAIRS");
     ASSERT_TRUE(requestor.awaitNotify());
-    ASSERT_EQ(requestor.notify.property, requestor.atom("PAIRS"));
+    ASSERT_EQ(requestor.answered.property, requestor.atom("PAIRS"));
     const auto answered = requestor.take("PAIRS");
     ASSERT_EQ(answered.bytes.size(), 32);
     EXPECT_EQ(unit(answered.bytes, 1), requestor.atom("ONE"));
@@ -117,8 +95,8 @@ TEST_F(ServeTest, SeveralTargetsInOneRequest)
 TEST_F(ServeTest, LongContentGoesOutInChunksAndShortWhole)
 {
     constexpr qsizetype chunkless = 262'144;
-    write({{{form(u"x/short", pattern(chunkless)), form(u"x/long", pattern(chunkless + 1)),
-             form(u"x/longer", pattern(5'000'003))}}});
+    write({{{form("x/short", pattern(chunkless)), form("x/long", pattern(chunkless + 1)),
+             form("x/longer", pattern(5'000'003))}}});
     const auto whole = requestor.convert("x/short");
     ASSERT_TRUE(whole);
     EXPECT_FALSE(whole->incremental);
@@ -150,21 +128,19 @@ TEST_F(ServeTest, ALongListOfTargetsGoesOutInWholeUnits)
 
 TEST_F(ServeTest, ATransferOutlivesTheOwnership)
 {
-    write({{{form(u"x/long", pattern(3'000'000))}}});
+    write({{{form("x/long", pattern(3'000'000))}}});
     requestor.ask("x/long", "SLOW");
     ASSERT_TRUE(requestor.awaitNotify());
     Owner next;
     next.offer("UTF8_STRING", "next");
-    const qint64 before = pasteboard->changeCount();
-    next.claim();
-    ASSERT_TRUE(awaitChange(before));
+    copy(next);
     EXPECT_TRUE(requestor.take("SLOW").incremental);
     EXPECT_EQ(requestor.finish("SLOW").bytes, pattern(3'000'000));
 }
 
 TEST_F(ServeTest, ANewQuestionInTheSamePlaceEndsTheOldOne)
 {
-    write({{{form(u"x/long", pattern(3'000'000)), form(u"x/short", "short")}}});
+    write({{{form("x/long", pattern(3'000'000)), form("x/short", "short")}}});
     requestor.ask("x/long", "PLACE");
     ASSERT_TRUE(requestor.awaitNotify());
     EXPECT_TRUE(requestor.take("PLACE").incremental);
@@ -175,30 +151,13 @@ TEST_F(ServeTest, ANewQuestionInTheSamePlaceEndsTheOldOne)
     EXPECT_EQ(requestor.take("PLACE").bytes, QByteArray());
 }
 
-TEST_F(ServeTest, ProgramsThatDieOrStallInTheMiddleHarmNobody)
-{
-    write({{{form(u"x/long", pattern(3'000'000)), form(u"public.utf8-plain-text", "t")}}});
-    Requestor stalled;
-    stalled.ask("x/long", "STALLED");
-    ASSERT_TRUE(stalled.awaitNotify());
-    for (int i = 0; i < 20; ++i) {
-        Requestor dying;
-        dying.ask("x/long", "DYING");
-        ASSERT_TRUE(dying.awaitNotify());
-        EXPECT_TRUE(dying.take("DYING").incremental); // asks for the first chunk and is gone
-        dying.die();
-    }
-    EXPECT_EQ(requestor.text(), QByteArray("t"));
-    EXPECT_EQ(requestor.convert("x/long")->bytes, pattern(3'000'000));
-}
-
 TEST_F(ServeTest, ManyAtOnceGetTheContentOfTheirTimeWhole)
 {
     const QByteArray first = pattern(600'000);
     const QByteArray second = QByteArray(700'000, 'z');
     std::vector<std::unique_ptr<Requestor>> requestors;
     for (const QByteArray &content : {first, second}) {
-        write({{{form(u"x/long", content)}}});
+        write({{{form("x/long", content)}}});
         for (int i = 0; i < 20; ++i) {
             requestors.push_back(std::make_unique<Requestor>());
             requestors.back()->ask("x/long", "PLACE");
@@ -213,7 +172,7 @@ TEST_F(ServeTest, ManyAtOnceGetTheContentOfTheirTimeWhole)
 
 TEST_F(ServeTest, PrimaryCarriesTheTextOnlyWhenAskedTo)
 {
-    write({{{form(u"public.utf8-plain-text", "t"), form(u"public.html", "<b>")}}});
+    write({{{form(plainText, "t"), form("public.html", "<b>")}}});
     EXPECT_EQ(requestor.convert("UTF8_STRING", "PRIMARY"), std::nullopt);
     pasteboard->ownPrimary();
     EXPECT_EQ(requestor.text("PRIMARY"), QByteArray("t"));
@@ -225,23 +184,18 @@ TEST_F(ServeTest, PrimaryCarriesTheTextOnlyWhenAskedTo)
     EXPECT_EQ(requestor.text("PRIMARY"), QByteArray("other"));
     EXPECT_EQ(requestor.text(), QByteArray("t"));
 
-    write({{{form(u"public.png", "png")}}});
+    write({{{form("public.png", "png")}}});
     pasteboard->ownPrimary(); // no text: PRIMARY stays where it is
     EXPECT_EQ(requestor.text("PRIMARY"), QByteArray("other"));
-}
 
-TEST_F(ServeTest, TheTextOfAForeignCopyServesPrimaryToo)
-{
-    Owner owner;
-    owner.offer("UTF8_STRING", "foreign");
-    const qint64 before = pasteboard->changeCount();
-    owner.claim();
-    ASSERT_TRUE(awaitChange(before));
+    other.forgetOffers();
+    other.offer("UTF8_STRING", "foreign");
+    copy(other);
     pasteboard->ownPrimary();
     EXPECT_EQ(requestor.text("PRIMARY"), QByteArray("foreign"));
 }
 
-TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
+TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySecondsAndOneProgramHasFewOfThem)
 {
     Requestor requestor;
     const auto x = PasteboardConnection::open();
@@ -249,7 +203,7 @@ TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
     SelectionServer server(*x);
     const auto claim = x->claim(x->atoms().clipboard);
     server.offer(x->atoms().clipboard, claim, {{"x/long", "x/long", pattern(1'000'000)}});
-    xcb_selection_request_event_t request{};
+    SelectionRequest request{};
     request.requestor = requestor.window();
     request.selection = x->atoms().clipboard;
     request.target = requestor.atom("x/long");
@@ -262,4 +216,9 @@ TEST(SelectionServerTest, AStalledTransferIsForgottenAfterThirtySeconds)
     EXPECT_EQ(server.deadline(), start + std::chrono::seconds(30));
     server.advance(start + std::chrono::seconds(30));
     EXPECT_EQ(server.transferCount(), 0u);
+    for (int i = 0; i < 200; ++i) {
+        request.property = requestor.atom("PLACE_" + QByteArray::number(i));
+        server.handleRequest(request, start);
+    }
+    EXPECT_EQ(server.transferCount(), 64u);
 }

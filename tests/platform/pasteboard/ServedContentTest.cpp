@@ -1,16 +1,13 @@
 #include "Platform/linux/x11/ServedContent.h"
 
+#include "tests/capture/Copies.h"
+
 #include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
 
 using Names = std::vector<QByteArray>;
-
-PasteboardRepresentation form(const char16_t *type, std::optional<QByteArray> data)
-{
-    return {QStringView(type).toString(), std::move(data)};
-}
 
 Names names(const std::vector<ServedTarget> &targets)
 {
@@ -35,22 +32,26 @@ const Names textNames = {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain"
 
 } // namespace
 
+// "STRING" is Latin-1.
 TEST(ServedContentTest, TextGoesOutUnderEveryNameThatCanHoldIt)
 {
-    const auto latin = servedTargets({{{form(u"public.utf8-plain-text", "perch\xC3\xA9")}}});
-    EXPECT_EQ(names(latin), textNames);
-    EXPECT_EQ(answer(latin, "STRING"), QByteArray("perch\xE9"));
-    EXPECT_EQ(answer(latin, "TEXT"), QByteArray("perch\xC3\xA9"));
-
-    const auto euro = servedTargets({{{form(u"public.utf8-plain-text", "5 \xE2\x82\xAC")}}});
-    EXPECT_EQ(names(euro), Names(textNames.begin(), textNames.end() - 1));
+    const std::pair<const char *, bool> cases[] = {
+        {"plain", true},           {"perch\xC3\xA9", true}, {"\xC3\xBF", true}, // ÿ, the last one
+        {"\xC4\x80", false},                                                    // Ā, the first beyond
+        {"5 \xE2\x82\xAC", false},                                              // €
+        {"\xC3", false},                                                        // broken
+    };
+    for (const auto &[text, fits] : cases)
+        EXPECT_EQ(names(servedTargets({{{form(plainText, text)}}})),
+                  Names(textNames.begin(), textNames.end() - (fits ? 0 : 1)))
+            << text;
 }
 
 TEST(ServedContentTest, SeveralItemsJoinTheirTextsAndShareTheRest)
 {
-    const auto targets = servedTargets({{{form(u"x/a", "1"), form(u"public.utf8-plain-text", "primo")}},
-                                        {{form(u"x/b", "2")}},
-                                        {{form(u"x/a", "3"), form(u"public.utf8-plain-text", "secondo")}}});
+    const auto targets = servedTargets({{{form("x/a", "1"), form(plainText, "primo")}},
+                                        {{form("x/b", "2")}},
+                                        {{form("x/a", "3"), form(plainText, "secondo")}}});
     EXPECT_EQ(answer(targets, "UTF8_STRING"), QByteArray("primo\nsecondo"));
     EXPECT_EQ(answer(targets, "x/a"), QByteArray("1"));
     EXPECT_EQ(answer(targets, "x/b"), QByteArray("2"));
@@ -59,8 +60,8 @@ TEST(ServedContentTest, SeveralItemsJoinTheirTextsAndShareTheRest)
 
 TEST(ServedContentTest, FilesAreRebuiltForEveryFileManager)
 {
-    const auto targets = servedTargets({{{form(u"public.file-url", "file:///a%20b")}},
-                                        {{form(u"public.file-url", "file:///c\r\nfile:///d")}}});
+    const auto targets = servedTargets({{{form("public.file-url", "file:///a%20b")}},
+                                        {{form("public.file-url", "file:///c\r\nfile:///d")}}});
     EXPECT_EQ(answer(targets, "text/uri-list"), QByteArray("file:///a%20b\r\nfile:///c\r\nfile:///d\r\n"));
     EXPECT_EQ(answer(targets, "x-special/gnome-copied-files"),
               QByteArray("copy\nfile:///a%20b\nfile:///c\nfile:///d"));
@@ -68,28 +69,22 @@ TEST(ServedContentTest, FilesAreRebuiltForEveryFileManager)
               answer(targets, "x-special/gnome-copied-files"));
     EXPECT_EQ(answer(targets, "application/x-kde-cutselection"), QByteArray("0"));
     EXPECT_EQ(answer(targets, "UTF8_STRING"), QByteArray("/a b\n/c\n/d"));
-}
-
-TEST(ServedContentTest, FilesKeepTheTextTheyCameWith)
-{
-    const auto targets =
-        servedTargets({{{form(u"public.file-url", "file:///a"), form(u"public.utf8-plain-text", "mine")}}});
-    EXPECT_EQ(answer(targets, "UTF8_STRING"), QByteArray("mine"));
+    const PasteboardItem ownText{{form("public.file-url", "file:///a"), form(plainText, "mine")}};
+    EXPECT_EQ(answer(servedTargets({ownText}), "UTF8_STRING"), QByteArray("mine"));
 }
 
 TEST(ServedContentTest, FormsWithoutBytesAndNamesOfTheProtocolAreNotServed)
 {
     const auto targets =
-        servedTargets({{{form(u"public.png", std::nullopt), form(u"DELETE", "x"),
-                         form(u"x-special/gnome-copied-files", "cut\n"), form(u"x/empty", "")}}});
+        servedTargets({{{offeredOnly("public.png"), form("DELETE", "x"),
+                         form("x-special/gnome-copied-files", "cut\n"), form("x/empty", "")}}});
     EXPECT_EQ(names(targets), Names{"x/empty"});
 }
 
 TEST(ServedContentTest, TheTextAloneIsTheTextOrTheFilesPaths)
 {
-    EXPECT_EQ(names(servedTexts({{{form(u"public.html", "h"), form(u"public.utf8-plain-text", "t")}}})),
-              textNames);
-    EXPECT_EQ(answer(servedTexts({{{form(u"public.file-url", "file:///a%20b")}}}), "UTF8_STRING"),
+    EXPECT_EQ(names(servedTexts({{{form("public.html", "h"), form(plainText, "t")}}})), textNames);
+    EXPECT_EQ(answer(servedTexts({{{form("public.file-url", "file:///a%20b")}}}), "UTF8_STRING"),
               QByteArray("/a b"));
-    EXPECT_TRUE(servedTexts({{{form(u"public.png", "p")}}}).empty());
+    EXPECT_TRUE(servedTexts({{{form("public.png", "p")}}}).empty());
 }

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr auto text = PasteboardType::plainText;
-
 class WatchTest : public PasteboardTest {
 protected:
     // Waits until everything that was done is counted, a clear's grace included.
@@ -22,35 +20,22 @@ protected:
 
 } // namespace
 
-TEST_F(WatchTest, WhatIsThereAtStartIsReadButCountsAsNoChange)
+TEST_F(WatchTest, WhatIsThereAtStartIsReadAsThePolicyHasItButCountsAsNoChange)
 {
     owner.offer("UTF8_STRING", "already there");
-    owner.claim();
-    const auto second = X11Pasteboard::create(std::make_shared<ClassNames>());
-    EXPECT_EQ(second->changeCount(), 0);
-    bool settled = false;
-    second->whenSettled([&] { settled = true; });
-    ASSERT_TRUE(await([&] { return settled; }));
-    EXPECT_EQ(second->changeCount(), 0);
-    ASSERT_EQ(second->snapshot()->items.size(), 1u);
-    EXPECT_EQ(second->snapshot()->items.front().data(text), QByteArray("already there"));
-}
-
-TEST_F(WatchTest, APolicySetAtOnceHoldsForWhatIsThereAtStart)
-{
-    owner.offer("UTF8_STRING", "already there");
-    owner.claim();
-    settle();
+    copy(owner);
     owner.asked.clear();
-    const auto second = X11Pasteboard::create(std::make_shared<ClassNames>());
-    PasteboardPolicy paused;
-    paused.paused = true;
-    second->setPolicy(paused);
-    bool settled = false;
-    second->whenSettled([&] { settled = true; });
-    ASSERT_TRUE(await([&] { return settled; }));
-    EXPECT_TRUE(owner.asked.isEmpty());
-    EXPECT_TRUE(second->snapshot()->items.empty());
+    for (const bool paused : {true, false}) {
+        const auto second = makePasteboard();
+        second->setPolicy(policyWith(&PasteboardPolicy::paused, paused));
+        bool settled = false;
+        second->whenSettled([&] { settled = true; });
+        ASSERT_TRUE(await([&] { return settled; }));
+        EXPECT_EQ(second->changeCount(), 0);
+        EXPECT_EQ(owner.asked.isEmpty(), paused);
+        EXPECT_EQ(second->snapshot()->items,
+                  paused ? std::vector<PasteboardItem>() : std::vector{textItem("already there")});
+    }
 }
 
 TEST_F(WatchTest, EveryCopyCountsTheSameBytesToo)
@@ -72,10 +57,10 @@ TEST_F(WatchTest, LettingGoAndClaimingAgainIsOneChange)
     owner.letGo();
     owner.claim();
     EXPECT_EQ(count(), before + 1);
-    EXPECT_EQ(bytes(text), QByteArray("writer"));
+    EXPECT_EQ(text(), QByteArray("writer"));
 }
 
-TEST_F(WatchTest, AClearOnPurposeIsAChangeWithoutItems)
+TEST_F(WatchTest, AClearOnPurposeAndAnEmptyTextAreAChangeWithoutItems)
 {
     owner.offer("UTF8_STRING", "gone soon");
     owner.claim();
@@ -83,14 +68,10 @@ TEST_F(WatchTest, AClearOnPurposeIsAChangeWithoutItems)
     owner.letGo();
     EXPECT_EQ(count(), before + 1);
     EXPECT_TRUE(items().empty());
-}
-
-TEST_F(WatchTest, AnEmptyTextIsAClear)
-{
+    owner.forgetOffers();
     owner.offer("UTF8_STRING", "").offer("x/refused", {"", Owner::Form::Manner::refuse});
-    const qint64 before = pasteboard->changeCount();
     owner.claim();
-    EXPECT_EQ(count(), before + 1);
+    EXPECT_EQ(count(), before + 2);
     EXPECT_TRUE(items().empty());
 }
 
@@ -101,7 +82,7 @@ TEST_F(WatchTest, WhatWasReadWhenTheOwnerLetsGoIsKeptUntilTheClear)
     const qint64 before = pasteboard->changeCount();
     owner.claim();
     ASSERT_TRUE(await([&] { return !items().empty(); }));
-    EXPECT_EQ(bytes(text), QByteArray("first")); // the answer that was under way
+    EXPECT_EQ(text(), QByteArray("first")); // the answer that was under way
     EXPECT_EQ(bytes(u"x/second"), std::nullopt);
     EXPECT_EQ(count(), before + 2); // the copy and the clear
     EXPECT_TRUE(items().empty());
@@ -117,13 +98,7 @@ TEST_F(WatchTest, AWriteIsTheSnapshotBeforeItReturns)
     EXPECT_EQ(items(), std::vector{textItem("mine")});
     EXPECT_EQ(count(), before + 1); // its own event adds nothing
     EXPECT_EQ(pasteboard->snapshot()->frontApplication->bundleIdentifier, QStringLiteral("com.norvane.app"));
-}
-
-TEST_F(WatchTest, AnEmptyWriteEmptiesTheClipboard)
-{
-    Requestor requestor;
-    pasteboard->write({textItem("mine")});
-    pasteboard->write({});
+    pasteboard->write({}); // empties the clipboard
     EXPECT_TRUE(items().empty());
     settle();
     EXPECT_EQ(requestor.convert("UTF8_STRING"), std::nullopt);
@@ -137,9 +112,9 @@ TEST_F(WatchTest, AWriteNeverWaitsForAHungOwnerAndReplacesIt)
     QElapsedTimer time;
     time.start();
     const qint64 written = pasteboard->write({textItem("mine")});
-    EXPECT_LT(time.elapsed(), 20);
+    EXPECT_LT(time.elapsed(), 400) << "not the half second that its silence may last";
     EXPECT_EQ(count(), written);
-    EXPECT_EQ(bytes(text), QByteArray("mine"));
+    EXPECT_EQ(text(), QByteArray("mine"));
 }
 
 TEST_F(WatchTest, AReadThatBeganBeforeAWriteIsDroppedAndOneAfterItIsNot)
@@ -150,32 +125,32 @@ TEST_F(WatchTest, AReadThatBeganBeforeAWriteIsDroppedAndOneAfterItIsNot)
     ASSERT_TRUE(await([&] { return items() == std::vector{textItem("mine")}; }));
     const qint64 written = pasteboard->changeCount();
     EXPECT_EQ(count(), written);
-    EXPECT_EQ(bytes(text), QByteArray("mine"));
+    EXPECT_EQ(text(), QByteArray("mine"));
 
     Owner after;
     after.offer("UTF8_STRING", "after");
     after.claim();
     EXPECT_EQ(count(), written + 1);
-    EXPECT_EQ(bytes(text), QByteArray("after"));
+    EXPECT_EQ(text(), QByteArray("after"));
 }
 
 TEST_F(WatchTest, ACopyThatWaitsToBePublishedGivesWayToAWrite)
 {
-    setPolicy(&PasteboardPolicy::paused,
-              true); // copies are published without their owner, which has no turn here
+    // Copies are published without their owner, which has no turn here.
+    pasteboard->setPolicy(policyWith(&PasteboardPolicy::paused, true));
     for (int delay = 0; delay < 60; ++delay) {
         owner.claim();
         for (int i = 0; i < delay; ++i)
             owner.sync();
         const qint64 written = pasteboard->write({textItem("mine")});
         EXPECT_EQ(count(), written);
-        EXPECT_EQ(bytes(text), QByteArray("mine"));
+        EXPECT_EQ(text(), QByteArray("mine"));
     }
 }
 
 TEST_F(WatchTest, CopiesThatWereNotTakenInTimeAreAllCounted)
 {
-    setPolicy(&PasteboardPolicy::paused, true);
+    pasteboard->setPolicy(policyWith(&PasteboardPolicy::paused, true));
     const qint64 before = count();
     for (int i = 0; i < 100; ++i) { // without a turn of the main loop
         owner.claim();
@@ -198,7 +173,7 @@ TEST_F(WatchTest, SettledIsImmediateWhenNothingIsRead)
     pasteboard->whenSettled([&] { settled = true; });
     EXPECT_FALSE(settled); // the copy is known, though its event may have been on its way
     ASSERT_TRUE(await([&] { return settled; }));
-    EXPECT_EQ(bytes(text), QByteArray("now"));
+    EXPECT_EQ(text(), QByteArray("now"));
 }
 
 TEST_F(WatchTest, NobodyWaitsWhenThePasteboardIsDestroyedInTheMiddleOfAHungRead)
@@ -210,5 +185,5 @@ TEST_F(WatchTest, NobodyWaitsWhenThePasteboardIsDestroyedInTheMiddleOfAHungRead)
     QElapsedTimer time;
     time.start();
     pasteboard.reset();
-    EXPECT_LT(time.elapsed(), 300);
+    EXPECT_LT(time.elapsed(), 450) << "not the half second that its silence may last";
 }

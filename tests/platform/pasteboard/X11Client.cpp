@@ -1,21 +1,102 @@
 #include "tests/platform/pasteboard/X11Client.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QTimer>
-#include <cstdlib>
-#include <cstring>
 
-namespace {
+QByteArray bytesOf(const std::vector<quint32> &units)
+{
+    return {reinterpret_cast<const char *>(units.data()), static_cast<qsizetype>(units.size() * 4)};
+}
 
-using Event = std::unique_ptr<xcb_generic_event_t, decltype(&std::free)>;
+X11Client::X11Client()
+{
+    xcb_create_window(raw(), XCB_COPY_FROM_PARENT, ownWindow, root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    watch(ownWindow);
+    sync();
+}
 
-} // namespace
+QByteArray X11Client::name(xcb_atom_t atom) const
+{
+    const XcbReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(raw(), xcb_get_atom_name(raw(), atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray();
+}
+
+xcb_window_t X11Client::holderOf(const QByteArray &selection) const
+{
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(raw(), xcb_get_selection_owner(raw(), atom(selection)), nullptr));
+    return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+void X11Client::put(xcb_window_t window, xcb_atom_t property, const QByteArray &type, int format,
+                    const QByteArray &bytes)
+{
+    xcb_change_property(raw(), XCB_PROP_MODE_REPLACE, window, property, atom(type),
+                        static_cast<uint8_t>(format), static_cast<uint32_t>(bytes.size() / (format / 8)),
+                        bytes.constData());
+}
+
+void X11Client::put(const QByteArray &property, const QByteArray &type, int format, const QByteArray &bytes)
+{
+    put(ownWindow, atom(property), type, format, bytes);
+    sync();
+}
+
+void X11Client::put(const SelectionRequest &request, const QByteArray &type, int format,
+                    const QByteArray &bytes)
+{
+    put(request.requestor, request.property, type, format, bytes);
+}
+
+void X11Client::beInFront(const QByteArray &className)
+{
+    put("WM_CLASS", "STRING", 8, className.toLower() + '\0' + className + '\0');
+    xcb_map_window(raw(), ownWindow);
+    xcb_set_input_focus(raw(), XCB_INPUT_FOCUS_POINTER_ROOT, ownWindow, XCB_CURRENT_TIME);
+    sync();
+}
+
+void X11Client::claim(const QByteArray &selection)
+{
+    xcb_set_selection_owner(raw(), ownWindow, atom(selection), XCB_CURRENT_TIME);
+    sync();
+}
+
+void X11Client::watch(xcb_window_t other) const
+{
+    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(raw(), other, XCB_CW_EVENT_MASK, &events);
+}
+
+xcb_selection_notify_event_t X11Client::notify(const SelectionRequest &request, bool answered,
+                                               xcb_atom_t target)
+{
+    xcb_selection_notify_event_t event{};
+    event.response_type = XCB_SELECTION_NOTIFY;
+    event.time = request.time;
+    event.requestor = request.requestor;
+    event.selection = request.selection;
+    event.target = target != XCB_ATOM_NONE ? target : request.target;
+    event.property = answered ? request.property : xcb_atom_t(XCB_ATOM_NONE);
+    send(request.requestor, event);
+    server->flush();
+    return event;
+}
+
+void X11Client::sync() const
+{
+    std::free(xcb_get_input_focus_reply(raw(), xcb_get_input_focus(raw()), nullptr));
+}
 
 bool await(const std::function<bool()> &condition, int milliseconds)
 {
     const QDeadlineTimer deadline(milliseconds);
-    QTimer tick; // what a client received while it waited for an answer wakes nobody
+    QTimer tick; // conditions change without an event
     tick.start(5);
     while (!condition()) {
         if (deadline.hasExpired())
@@ -25,83 +106,29 @@ bool await(const std::function<bool()> &condition, int milliseconds)
     return true;
 }
 
-X11Client::X11Client() : connection(xcb_connect(nullptr, nullptr)), ownWindow(xcb_generate_id(connection))
+LiveClient::LiveClient()
+    : notifier(std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(raw()), QSocketNotifier::Read))
 {
-    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, ownWindow, root(), 0, 0, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    sync();
-    notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] { pump(); });
+    // What came while an answer was waited for wakes no notifier.
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     notifier.get(), [this] { pump(); });
 }
 
-X11Client::~X11Client()
-{
-    die();
-}
-
-void X11Client::die()
+void LiveClient::die()
 {
     notifier.reset();
-    if (connection)
-        xcb_disconnect(std::exchange(connection, nullptr));
+    X11Client::die();
 }
 
-xcb_window_t X11Client::root() const
+void LiveClient::pump()
 {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-}
-
-xcb_atom_t X11Client::atom(const QByteArray &name)
-{
-    xcb_atom_t &known = atoms[name];
-    if (known == XCB_ATOM_NONE) {
-        const auto cookie =
-            xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.constData());
-        auto *reply = xcb_intern_atom_reply(connection, cookie, nullptr);
-        known = reply->atom;
-        std::free(reply);
-    }
-    return known;
-}
-
-QByteArray X11Client::name(xcb_atom_t atom)
-{
-    auto *reply = xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, atom), nullptr);
-    if (!reply)
-        return {};
-    const QByteArray name(xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply));
-    std::free(reply);
-    return name;
-}
-
-void X11Client::sync()
-{
-    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
-
-xcb_timestamp_t X11Client::serverTime()
-{
-    const xcb_atom_t time = atom("TEST_TIME");
-    xcb_change_property(connection, XCB_PROP_MODE_APPEND, ownWindow, time, XCB_ATOM_STRING, 8, 0, nullptr);
-    xcb_flush(connection);
-    while (Event event{xcb_wait_for_event(connection), &std::free}) { // the server always answers
-        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
-            as<xcb_property_notify_event_t>(*event).atom == time)
-            return as<xcb_property_notify_event_t>(*event).time;
-        handle(*event);
-    }
-    return 0;
-}
-
-void X11Client::pump()
-{
-    while (connection) {
-        const Event event(xcb_poll_for_event(connection), &std::free);
+    while (server) {
+        const XcbReply<xcb_generic_event_t> event(xcb_poll_for_event(raw()));
         if (!event)
             break;
         handle(*event);
     }
-    if (connection)
-        xcb_flush(connection);
+    if (server)
+        server->flush();
 }

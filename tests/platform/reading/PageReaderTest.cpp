@@ -1,9 +1,7 @@
-#include "Platform/linux/tesseract/Explain.h"
+#include "Platform/linux/tesseract/PageReader.h"
 
-#include <QDir>
 #include <QPainter>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -93,17 +91,6 @@ TEST_F(Reading, EndsWithoutAResultOnceTheTimeIsOver)
         EXPECT_FALSE(reader->read(image, [&] { return ++asked > allowed; }));
     }
     EXPECT_FALSE(textOf(image).isEmpty()) << "and reads the next one";
-}
-
-TEST_F(Reading, ExplainsItselfStageByStage)
-{
-    const QTemporaryDir folder;
-    ASSERT_TRUE(explain(*reader, drawn({300, 60}, Qt::white, Qt::black, 14, u"Due parole"_s, {9, 9}),
-                        folder.filePath(u"here"_s)));
-    const QDir here(folder.filePath(u"here"_s));
-    EXPECT_GE(here.entryList({u"*.png"_s}).size(), 4);
-    EXPECT_TRUE(here.exists(u"fragments.txt"_s));
-    EXPECT_FALSE(explain(*reader, QImage(), u"/proc/nowhere"_s));
 }
 
 TEST(OpeningAPageReader, NeedsOneLanguageThatCanBeLoaded)

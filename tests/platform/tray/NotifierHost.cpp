@@ -53,7 +53,6 @@ std::optional<ExportedRow> readRow(const QDBusArgument &node)
     if (!properties.value(u"visible"_s, true).toBool())
         return std::nullopt;
     row.text = shown(properties.value(u"label"_s).toString());
-    row.iconName = properties.value(u"icon-name"_s).toString();
     row.hasPicture = !properties.value(u"icon-data"_s).toByteArray().isEmpty();
     row.enabled = properties.value(u"enabled"_s, true).toBool();
     row.separator = properties.value(u"type"_s).toString() == u"separator";

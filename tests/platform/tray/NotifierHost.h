@@ -48,7 +48,6 @@ struct ExportedRow {
     int id = 0;
     QString text; // mnemonic marks resolved
     QString shortcut;
-    QString iconName;
     bool hasPicture = false;
     bool enabled = true;
     bool separator = false;
@@ -74,7 +73,6 @@ private:
                                     const QVariantList &arguments);
 
     QThread thread;
-    QString busName;
     QDBusConnection bus;
     QDBusConnection client;
     std::unique_ptr<NotifierWatcher> watcher_;

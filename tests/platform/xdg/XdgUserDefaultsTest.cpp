@@ -1,6 +1,7 @@
 #include "Platform/linux/xdg/XdgUserDefaults.h"
 
-#include "Platform/Log.h"
+#include "tests/support/LogLines.h"
+#include "tests/support/Variable.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,13 +15,6 @@ namespace {
 
 class XdgUserDefaultsTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        path = folder.filePath("Norvane/settings.ini");
-        setLogSink([this](const QString &line) { log.append(line); });
-    }
-    void TearDown() override { setLogSink({}); }
-
     void writeFile(const QByteArray &bytes) const
     {
         QDir().mkpath(QFileInfo(path).absolutePath());
@@ -42,52 +36,53 @@ protected:
     }
 
     QTemporaryDir folder;
-    QString path;
-    QStringList log;
+    const QString path = folder.filePath("Norvane/settings.ini");
+    LogLines log;
 };
 
 TEST_F(XdgUserDefaultsTest, EveryTypeComesBackExactlyInTheNextStart)
 {
-    const QByteArray json = "{\"keyCode\":9,\"modifiers\":1572864}", bytes("\0\xff\n,;\"", 6);
-    const QString odd = QStringLiteral("@Invalid() \"a, b\"; c=\\d\n\tè 😀 ");
-    const QStringList list{"uno", "", "a, b", "[]", "\"", "è"};
+    const std::pair<QString, qint64> integers[] = {{"least", std::numeric_limits<qint64>::min()},
+                                                   {"big", Q_INT64_C(9007199254740993)}};
+    const std::pair<QString, double> reals[] = {
+        {"third", 1.0 / 3}, {"whole", 1.0}, {"tiny", std::numeric_limits<double>::denorm_min()}};
+    const std::pair<QString, QString> strings[] = {{"odd", "@Invalid() \"a, b\"; c=\\d\n\tè 😀 "},
+                                                   {"empty", ""}};
+    const std::pair<QString, QStringList> lists[] = {
+        {"list", {"uno", "", "a, b", "[]", "\"", "è"}}, {"one", {"solo"}}, {"none", {}}};
+    const std::pair<QString, QByteArray> blobs[] = {{"json", "{\"keyCode\":9,\"modifiers\":1572864}"},
+                                                    {"bytes", QByteArray("\0\xff\n,;\"", 6)},
+                                                    {"noBytes", ""},
+                                                    {"almostJson", "{\"a\":"}};
     {
         XdgUserDefaults defaults(path);
-        defaults.setInteger("least", std::numeric_limits<qint64>::min());
-        defaults.setInteger("big", Q_INT64_C(9007199254740993));
-        defaults.setReal("third", 1.0 / 3);
-        defaults.setReal("whole", 1.0);
-        defaults.setReal("tiny", std::numeric_limits<double>::denorm_min());
+        for (const auto &[key, value] : integers)
+            defaults.setInteger(key, value);
+        for (const auto &[key, value] : reals)
+            defaults.setReal(key, value);
+        for (const auto &[key, value] : strings)
+            defaults.setString(key, value);
+        for (const auto &[key, value] : lists)
+            defaults.setStringList(key, value);
+        for (const auto &[key, value] : blobs)
+            defaults.setData(key, value);
         defaults.setBoolean("yes", true);
         defaults.setBoolean("no", false);
-        defaults.setString("odd", odd);
-        defaults.setString("empty", "");
-        defaults.setStringList("list", list);
-        defaults.setStringList("one", {"solo"});
-        defaults.setStringList("none", {});
-        defaults.setData("json", json);
-        defaults.setData("bytes", bytes);
-        defaults.setData("noBytes", "");
-        defaults.setData("almostJson", "{\"a\":");
     }
     const XdgUserDefaults defaults(path);
-    EXPECT_EQ(defaults.integer("least"), std::numeric_limits<qint64>::min());
-    EXPECT_EQ(defaults.integer("big"), Q_INT64_C(9007199254740993));
-    EXPECT_EQ(defaults.real("third"), 1.0 / 3);
-    EXPECT_EQ(defaults.real("whole"), 1.0);
-    EXPECT_EQ(defaults.real("tiny"), std::numeric_limits<double>::denorm_min());
+    for (const auto &[key, value] : integers)
+        EXPECT_EQ(defaults.integer(key), value);
+    for (const auto &[key, value] : reals)
+        EXPECT_EQ(defaults.real(key), value);
+    for (const auto &[key, value] : strings)
+        EXPECT_EQ(defaults.string(key), value);
+    for (const auto &[key, value] : lists)
+        EXPECT_EQ(defaults.stringList(key), value);
+    for (const auto &[key, value] : blobs)
+        EXPECT_EQ(defaults.data(key), value);
     EXPECT_EQ(defaults.boolean("yes"), true);
     EXPECT_EQ(defaults.boolean("no"), false);
-    EXPECT_EQ(defaults.string("odd"), odd);
-    EXPECT_EQ(defaults.string("empty"), "");
-    EXPECT_EQ(defaults.stringList("list"), list);
-    EXPECT_EQ(defaults.stringList("one"), QStringList{"solo"});
-    EXPECT_EQ(defaults.stringList("none"), QStringList());
-    EXPECT_EQ(defaults.data("json"), json);
-    EXPECT_EQ(defaults.data("bytes"), bytes);
-    EXPECT_EQ(defaults.data("noBytes"), QByteArray());
-    EXPECT_EQ(defaults.data("almostJson"), QByteArray("{\"a\":"));
-    EXPECT_TRUE(log.isEmpty()) << log.join(u'\n').toStdString();
+    EXPECT_EQ(log.text(), "");
 }
 
 TEST_F(XdgUserDefaultsTest, AnAbsentKeyIsNotAnEmptyValue)
@@ -126,7 +121,8 @@ TEST_F(XdgUserDefaultsTest, AValueOfAnotherTypeReadsAsAbsent)
 TEST_F(XdgUserDefaultsTest, FileAndFolderAreForTheUsersEyesOnlyFromTheirFirstByte)
 {
     const mode_t before = ::umask(0);
-    XdgUserDefaults defaults(path);
+    const Variable home("XDG_CONFIG_HOME", folder.path().toUtf8());
+    XdgUserDefaults defaults(XdgUserDefaults::defaultPath());
     defaults.setInteger("a", 1);
     EXPECT_EQ(modeOf(path), 0600U);
     EXPECT_EQ(modeOf(QFileInfo(path).absolutePath()), 0700U);
@@ -142,7 +138,7 @@ TEST_F(XdgUserDefaultsTest, ADamagedFileIsKeptBesideBeforeTheFirstWrite)
     writeFile(damaged);
     XdgUserDefaults defaults(path);
     EXPECT_EQ(defaults.integer("maxItems"), std::nullopt);
-    EXPECT_EQ(log.size(), 1);
+    EXPECT_EQ(log.count(), 1);
     EXPECT_EQ(readFile(), damaged);
     defaults.setInteger("maxItems", 7);
     defaults.setInteger("maxClipMB", 8);
@@ -151,7 +147,7 @@ TEST_F(XdgUserDefaultsTest, ADamagedFileIsKeptBesideBeforeTheFirstWrite)
     const XdgUserDefaults next(path);
     EXPECT_EQ(next.integer("maxItems"), 7);
     EXPECT_EQ(next.integer("maxClipMB"), 8);
-    EXPECT_EQ(log.size(), 1);
+    EXPECT_EQ(log.count(), 1);
 }
 
 TEST_F(XdgUserDefaultsTest, WhatCannotBeWrittenStaysInForceAndIsSavedWhenThatIsPossibleAgain)
@@ -161,25 +157,16 @@ TEST_F(XdgUserDefaultsTest, WhatCannotBeWrittenStaysInForceAndIsSavedWhenThatIsP
     ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
     obstacle.close();
     XdgUserDefaults defaults(path);
-    log.clear();
     defaults.setInteger("first", 1);
     defaults.setInteger("second", 2);
     EXPECT_EQ(defaults.integer("first"), 1);
-    EXPECT_EQ(log, QStringList{"Norvane: settings cannot be written to their file"});
+    EXPECT_EQ(log.text(), "Norvane: settings cannot be written to their file");
     ASSERT_TRUE(obstacle.remove());
     defaults.setInteger("third", 3);
-    EXPECT_EQ(log.size(), 1);
+    EXPECT_EQ(log.count(), 1);
     const QByteArray text = readFile();
     for (const char *line : {"first=1", "second=2", "third=3"})
         EXPECT_TRUE(text.contains(line)) << line << " in " << text.toStdString();
-}
-
-TEST_F(XdgUserDefaultsTest, TheFileStandsInTheUsersConfigurationFolder)
-{
-    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
-    qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
-    EXPECT_EQ(XdgUserDefaults::defaultPath(), path);
-    qputenv("XDG_CONFIG_HOME", before);
 }
 
 } // namespace
