@@ -150,7 +150,7 @@ GreyPicture eraseLines(GreyPicture &picture)
     return erased;
 }
 
-void findFrameParts(const GreyPicture &erased, BlobMap &map)
+void findFrameParts(GreyPicture erased, BlobMap &map)
 {
     constexpr int maxSide = 48;
     for (Blob &blob : map.blobs) {
@@ -158,7 +158,10 @@ void findFrameParts(const GreyPicture &erased, BlobMap &map)
             std::max(blob.box.width, blob.box.height) > maxSide)
             continue;
         const EndsOfRules ends = endsAt(erased, blob.box);
-        const bool isCrossed = (ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0);
+        const bool isCrossing = std::max(blob.box.width, blob.box.height) <= maxThickness + 1;
+        const bool isCrossed =
+            !isCrossing && ((ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0));
         blob.isText = isCrossed || ends.left + ends.right + ends.above + ends.below < 2;
     }
+    map.rules = std::move(erased);
 }

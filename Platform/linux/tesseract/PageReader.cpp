@@ -59,6 +59,15 @@ bool isFaintRemnant(const GreyPicture &normalized, const TextBlock &block)
     return true;
 }
 
+bool isShort(const EngineLine &line)
+{
+    constexpr qsizetype fewCharacters = 3;
+    qsizetype length = 0;
+    for (const EngineWord &word : line.words)
+        length += word.text.size();
+    return length <= fewCharacters;
+}
+
 // One picture on its way through the stages.
 class PageRun {
 public:
@@ -95,13 +104,14 @@ private:
         show("normalized", normalized);
         if (isExpired())
             return std::nullopt;
-        const GreyPicture erased = eraseLines(normalized);
+        GreyPicture erased = eraseLines(normalized);
         show("without-lines", normalized);
         BlobMap map = findBlobs(normalized);
-        findFrameParts(erased, map);
+        findFrameParts(std::move(erased), map);
         std::vector<TextLine> lines = findLines(map);
         removeIcons(map, lines);
         attachSmallParts(map, lines);
+        removeIconsOfPieces(map, lines);
         const std::vector<TextBlock> blocks = findBlocks(map, lines);
         if (onStage)
             onStage(QStringLiteral("blocks"), outlined(normalized, lines, blocks));
@@ -140,8 +150,10 @@ private:
         if (!lines)
             return lines;
         correctSpacing(cut.picture, *lines);
+        const bool isAlone = std::all_of(lines->begin(), lines->end(), isShort);
         for (EngineLine &line : *lines) {
             line.letterHeight = 1.3 * block.letterHeight;
+            line.isAlone = isAlone;
             for (EngineWord &word : line.words)
                 word.box = cut.placeOf(word.box);
         }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int colourTolerance = 2;
+constexpr int colourTolerance = 3;
 constexpr int minSquare = 8;
 constexpr std::size_t minArea = 300;
 
@@ -20,6 +20,17 @@ bool alike(std::uint32_t a, std::uint32_t b)
             return false;
     }
     return true;
+}
+
+// A label that is hardly higher than its text: wider and fuller than letters are.
+bool isLowLabel(const Region &region)
+{
+    constexpr int minHeight = 10;
+    constexpr int minCorner = 3;
+    const PixelBox &box = region.box;
+    const double boxArea = static_cast<double>(box.width) * static_cast<double>(box.height);
+    return box.height >= minHeight && 5 * box.width >= 9 * box.height && region.square >= minCorner &&
+           static_cast<double>(region.area) >= 0.5 * boxArea;
 }
 
 // Neighbours of one row that are alike.
@@ -131,7 +142,7 @@ private:
             }
         }
         for (Region &region : found)
-            region.isSurface = region.square >= minSquare && region.area >= minArea;
+            region.isSurface = (region.square >= minSquare && region.area >= minArea) || isLowLabel(region);
         return found;
     }
 

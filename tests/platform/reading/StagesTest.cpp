@@ -135,7 +135,7 @@ TEST(TextBlocks, ColumnsAreFoundAndIconsAreNot)
 TEST(Fragments, WideGapsSplitALineAndBoxesCountFromBelow)
 {
     const auto at = [](const QString &text, double left, double width) {
-        return EngineWord{text, 96, QRectF(left, 20, width, 10), {}};
+        return EngineWord{text, 99, QRectF(left, 20, width, 10), {}};
     };
     const EngineLine line{{}, {at(u"una"_s, 10, 30), at(u"riga"_s, 45, 30), at(u"9,50"_s, 120, 40)}, 0};
     const auto fragments = makeFragments({line}, QSize(200, 100));
@@ -152,16 +152,18 @@ TEST(ConfidenceScale, WhatIsMoreLikelyWrongStaysBelowTheCut)
     struct {
         QString text;
         double certainty;
+        bool isAlone;
         bool passes;
-    } const cases[] = {{u"parola"_s, 96, true},     {u"parola"_s, 60, true},      {u"parola"_s, 55, false},
-                       {u"una parola"_s, 50, true}, {u"una parola"_s, 40, false}, {u"Q"_s, 70, false},
-                       {u"Q"_s, 90, true},          {u"=-"_s, 80, false},         {u"=-"_s, 90, true},
-                       {u"parola"_s, -5, false}};
+    } const cases[] = {{u"parola"_s, 99, false, true},  {u"parola"_s, 96, false, false},
+                       {u"parola"_s, 97.5, true, true}, {u"parola"_s, -5, false, false},
+                       {u"Q"_s, 98.5, false, true},     {u"Q"_s, 98.5, true, false},
+                       {u"12"_s, 98.5, true, true},     {u"=-"_s, 98.5, false, true},
+                       {u"=-"_s, 99, true, false},      {u"}"_s, 97.5, false, false}};
     for (const auto &one : cases)
-        EXPECT_EQ(confidenceOf(one.text, one.certainty) >= 0.3F, one.passes)
+        EXPECT_EQ(confidenceOf(one.text, one.certainty, one.isAlone) >= 0.3F, one.passes)
             << one.text.toStdString() << one.certainty;
-    EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100), 1);
-    EXPECT_GE(confidenceOf(u"parola"_s, -5), 0);
+    EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100, false), 1);
+    EXPECT_GE(confidenceOf(u"parola"_s, -5, false), 0);
 }
 
 } // namespace
