@@ -80,11 +80,11 @@ public:
     // Absent when the time is over or the engine failed.
     std::optional<Lines> read()
     {
-        const double equalNeighbours = equalNeighbourShare(picture);
-        if (pictureKind(equalNeighbours, 1) == PictureKind::photo)
+        const Evenness evenness = evennessOf(picture);
+        if (pictureKind(picture, evenness, 1) == PictureKind::photo)
             return readPhoto();
         const Surfaces surfaces = findSurfaces(picture);
-        if (pictureKind(equalNeighbours, surfaces.share) == PictureKind::photo)
+        if (pictureKind(picture, evenness, surfaces.share) == PictureKind::photo)
             return readPhoto();
         return readScreenshot(surfaces);
     }
