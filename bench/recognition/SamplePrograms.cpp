@@ -20,7 +20,7 @@ int pill(SamplePage &page, QPoint at, const QString &words, const QFont &font, c
     const QRect box(at, QSize(metrics.horizontalAdvance(words) + 16, metrics.height() + 2));
     page.paint().setPen(Qt::NoPen);
     page.paint().setBrush(color);
-    page.paint().drawRoundedRect(box, page.chance(50) ? box.height() / 2 : 4, box.height() / 2);
+    page.paint().drawRoundedRect(box, page.chance(50) ? 0.5 * box.height() : 4, 0.5 * box.height());
     page.text({box.left() + 8, box.top() + 1}, words, font, Qt::white);
     return box.right() + 8;
 }

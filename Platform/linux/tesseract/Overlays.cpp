@@ -82,7 +82,8 @@ GreyPicture filled(const GreyPicture &tiles, const PixelBox &box)
     };
     for (int y = 0; y < within.height; ++y) {
         for (int x = 0; x < within.width; ++x) {
-            if (tiles.row(within.top + y)[static_cast<std::size_t>(within.left + x)] == 0)
+            const int column = within.left + x;
+            if (tiles.row(within.top + y)[static_cast<std::size_t>(column)] == 0)
                 continue;
             widen(rows[static_cast<std::size_t>(y)], x);
             widen(columns[static_cast<std::size_t>(x)], y);
@@ -100,56 +101,92 @@ GreyPicture filled(const GreyPicture &tiles, const PixelBox &box)
     return result;
 }
 
-double distance(std::uint32_t a, std::uint32_t b)
+int squaredDistance(std::uint32_t a, std::uint32_t b)
 {
-    double squares = 0;
+    int squares = 0;
     for (int shift = 0; shift <= 16; shift += 8) {
         const int difference = static_cast<int>((a >> shift) & 0xff) - static_cast<int>((b >> shift) & 0xff);
         squares += difference * difference;
     }
-    return std::sqrt(squares);
+    return squares;
+}
+
+// Calls `found(colour, contrast)` for short runs of one colour with others on both sides; the contrast is the
+// lesser squared distance to those.
+template <typename Found>
+void forEachStroke(const ColorPicture &picture, const PixelBox &box, const Found &found)
+{
+    constexpr std::size_t maxStroke = 24;
+    constexpr std::size_t edge = 2; // pixels of soft edge
+    constexpr int minContrast = 60 * 60;
+    for (int y = box.top; y < box.bottom(); ++y) {
+        const auto row =
+            picture.row(y).subspan(static_cast<std::size_t>(box.left), static_cast<std::size_t>(box.width));
+        std::size_t end = edge;
+        for (std::size_t begin = edge; begin + edge < row.size(); begin = end) {
+            do
+                ++end;
+            while (end < row.size() && row[end] == row[begin]);
+            if (end - begin > maxStroke || end + edge > row.size())
+                continue;
+            const int contrast = std::min(squaredDistance(row[begin], row[begin - edge]),
+                                          squaredDistance(row[begin], row[end + edge - 1]));
+            if (contrast >= minContrast)
+                found(row[begin], contrast);
+        }
+    }
+}
+
+// The upper five bits of each channel, and the other three.
+std::size_t coarse(std::uint32_t colour)
+{
+    return ((colour >> 9) & 0x7c00) | ((colour >> 6) & 0x3e0) | ((colour >> 3) & 0x1f);
+}
+std::size_t fine(std::uint32_t colour)
+{
+    return ((colour >> 10) & 0x1c0) | ((colour >> 5) & 0x38) | (colour & 0x7);
 }
 
 struct Ink {
     std::uint32_t colour = 0;
-    double reach = 0; // distance from which on a colour is none of its soft edges: half of that to what lies
-                      // beside most strokes
+    // From this distance on a colour is none of its soft edges: half of that to what lies beside most
+    // strokes.
+    double reach = 0;
 };
 
-// The colour of most strokes: short runs of one colour with others on both sides.
+// The colour of a large share of all strokes. Counted in two steps, since noise has as many colours as
+// pixels.
 std::optional<Ink> findInk(const ColorPicture &picture, const PixelBox &box)
 {
-    constexpr std::size_t maxStroke = 24;
-    constexpr std::size_t edge = 2; // pixels of soft edge
-    constexpr double minContrast = 60;
     constexpr std::size_t minStrokes = 80;
-    std::unordered_map<std::uint32_t, std::vector<float>> strokes;
+    constexpr std::size_t minShare = 10; // one in so many
+    std::vector<std::size_t> counts(1U << 15U, 0);
     std::size_t total = 0;
-    for (int y = box.top; y < box.bottom(); ++y) {
-        const auto row =
-            picture.row(y).subspan(static_cast<std::size_t>(box.left), static_cast<std::size_t>(box.width));
-        for (std::size_t begin = edge, end = begin; begin + edge < row.size(); begin = end) {
-            for (end = begin + 1; end < row.size() && row[end] == row[begin];)
-                ++end;
-            if (end - begin > maxStroke || end + edge > row.size())
-                continue;
-            const double contrast =
-                std::min(distance(row[begin], row[begin - edge]), distance(row[begin], row[end + edge - 1]));
-            if (contrast < minContrast)
-                continue;
-            ++total;
-            strokes[row[begin]].push_back(static_cast<float>(contrast));
-        }
-    }
-    const auto most = std::max_element(strokes.begin(), strokes.end(), [](const auto &a, const auto &b) {
-        return std::pair(a.second.size(), a.first) < std::pair(b.second.size(), b.first);
+    forEachStroke(picture, box, [&](std::uint32_t colour, int) {
+        ++counts[coarse(colour)];
+        ++total;
     });
-    if (most == strokes.end() || most->second.size() < minStrokes || 10 * most->second.size() < total)
+    const auto isEnough = [&total](std::size_t count) {
+        return count >= minStrokes && minShare * count >= total;
+    };
+    const auto bin = std::max_element(counts.begin(), counts.end());
+    if (!isEnough(*bin))
         return std::nullopt;
-    std::vector<float> &contrasts = most->second;
-    const auto low = contrasts.begin() + static_cast<std::ptrdiff_t>(contrasts.size() / 4);
-    std::nth_element(contrasts.begin(), low, contrasts.end());
-    return Ink{most->first, *low / 2};
+    std::vector<std::vector<int>> contrasts(1U << 9U);
+    std::vector<std::uint32_t> colours(contrasts.size(), 0);
+    forEachStroke(picture, box, [&](std::uint32_t colour, int contrast) {
+        if (coarse(colour) != static_cast<std::size_t>(bin - counts.begin()))
+            return;
+        contrasts[fine(colour)].push_back(contrast);
+        colours[fine(colour)] = colour;
+    });
+    const auto most = std::max_element(contrasts.begin(), contrasts.end(),
+                                       [](const auto &a, const auto &b) { return a.size() < b.size(); });
+    if (!isEnough(most->size()))
+        return std::nullopt;
+    const auto low = most->begin() + static_cast<std::ptrdiff_t>(most->size() / 4);
+    std::nth_element(most->begin(), low, most->end());
+    return Ink{colours[static_cast<std::size_t>(most - contrasts.begin())], std::sqrt(*low) / 2};
 }
 
 } // namespace
@@ -158,7 +195,12 @@ std::vector<Overlay> findOverlays(const ColorPicture &picture)
 {
     std::vector<Overlay> overlays;
     const GreyPicture tiles = photoTiles(picture);
+    std::size_t budget = 4 * picture.pixels.size(); // boxes may lie within each other
     for (const PixelBox &box : photoBoxes(tiles)) {
+        const std::size_t area = static_cast<std::size_t>(box.width) * static_cast<std::size_t>(box.height);
+        if (area > budget)
+            break;
+        budget -= area;
         const auto ink = findInk(picture, box);
         if (!ink)
             continue;
@@ -171,7 +213,7 @@ std::vector<Overlay> findOverlays(const ColorPicture &picture)
             for (std::size_t x = 0; x < to.size(); ++x) {
                 if (inPhoto[x / tileSide] != 0)
                     to[x] = static_cast<std::uint8_t>(
-                        std::min(255.0, 255 * distance(from[x], ink->colour) / ink->reach));
+                        std::min(255.0, 255 * std::sqrt(squaredDistance(from[x], ink->colour)) / ink->reach));
             }
         }
         overlays.push_back({box, std::move(grey)});
