@@ -188,7 +188,7 @@ void measureDrawn(Bench &bench, const QCommandLineParser &options, QStringList &
     const quint32 seed = wide ? options.value(QStringLiteral("fresh")).toUInt() : 20261124U;
     const QString only = options.value(QStringLiteral("only"));
     quint32 number = 0;
-    for (const auto *kinds : {&screenKinds(), &cameraKinds()}) {
+    for (const auto *kinds : {&screenKinds(), &cameraKinds(), &programKinds()}) {
         for (const SampleKind &kind : *kinds) {
             ++number;
             const QString name = QString::fromLatin1(kind.name);

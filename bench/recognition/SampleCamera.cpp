@@ -98,7 +98,8 @@ Sample photo(QRandomGenerator &random, bool wide)
     return sample;
 }
 
-// Hills, a sky, and things that are no letters.
+} // namespace
+
 QImage landscape(QRandomGenerator &random, QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
@@ -121,6 +122,8 @@ QImage landscape(QRandomGenerator &random, QSize size)
     expose(image, random, 6, [](double, double) { return 1.0; });
     return image;
 }
+
+namespace {
 
 Sample emptyPhoto(QRandomGenerator &random, bool)
 {

@@ -5,8 +5,6 @@
 #include <QFontMetrics>
 #include <QPainterPath>
 
-namespace {
-
 void drawIcon(SamplePage &page, const QRect &box, const QColor &color)
 {
     QPainter &painter = page.paint();
@@ -47,8 +45,6 @@ void drawIcon(SamplePage &page, const QRect &box, const QColor &color)
     }
     painter.setBrush(Qt::NoBrush);
 }
-
-} // namespace
 
 Theme lightTheme(QRandomGenerator &random)
 {

@@ -14,6 +14,9 @@ struct Theme {
 [[nodiscard]] Theme lightTheme(QRandomGenerator &random);
 [[nodiscard]] Theme darkTheme(QRandomGenerator &random);
 
+// One of six, which say nothing.
+void drawIcon(SamplePage &page, const QRect &box, const QColor &color);
+
 [[nodiscard]] Sample table(QRandomGenerator &random, bool wide);
 [[nodiscard]] Sample buttons(QRandomGenerator &random, bool wide);
 [[nodiscard]] Sample webPage(QRandomGenerator &random, bool wide);

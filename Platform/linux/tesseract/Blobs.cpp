@@ -47,6 +47,7 @@ BlobMap findBlobs(const GreyPicture &picture)
     }
 
     BlobMap map;
+    map.width = picture.width;
     map.labels.assign(picture.pixels.size(), 0);
     std::vector<std::uint32_t> numbers(runs.size(), 0);
     for (std::uint32_t i = 0; i < runs.size(); ++i) {

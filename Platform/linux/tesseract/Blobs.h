@@ -11,8 +11,11 @@ struct Blob {
 
 struct BlobMap {
     std::vector<Blob> blobs;
+    int width = 0; // of the picture
     // For each pixel 1 + the index of its blob, 0 for paper.
     std::vector<std::uint32_t> labels;
+    // 1 where a rule was erased (LineEraser.h); empty until that is known.
+    GreyPicture rules;
 };
 
 [[nodiscard]] BlobMap findBlobs(const GreyPicture &picture);

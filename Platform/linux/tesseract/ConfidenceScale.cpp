@@ -4,31 +4,39 @@
 
 namespace {
 
-constexpr double cutOfShort = 60;
-constexpr double cutOfLong = 45; // what is read where nothing is, is short
-constexpr qsizetype minLong = 8;
-constexpr double full = 96;
+constexpr qsizetype few = 2;
+constexpr qsizetype notMany = 3;
+constexpr double cut = 97;
+constexpr double cutOfFew = 97.3;
+constexpr double cutOfSigns = 97.9;
+constexpr double cutOfFiguresAlone = 98; // the counts and row numbers of tables
+constexpr double cutOfLettersAlone = 98.9;
+constexpr double cutOfSignsAlone = 99.3;
+constexpr double full = 99.5;
 constexpr double cutConfidence = 0.3;
-constexpr double minCertaintyOfSigns = 85;
-constexpr double minCertaintyOfTwo = 75;
-constexpr float doubtful = 0.25F; // below the cut, whatever the engine says
 
-double scaled(double certainty, double cut)
+double scaled(double certainty, double limit)
 {
-    if (certainty <= cut)
-        return std::max(0.0, cutConfidence * certainty / cut);
-    return std::min(1.0, cutConfidence + (1 - cutConfidence) * (certainty - cut) / (full - cut));
+    if (certainty <= limit)
+        return std::max(0.0, cutConfidence * certainty / limit);
+    return std::min(1.0, cutConfidence + (1 - cutConfidence) * (certainty - limit) / (full - limit));
+}
+
+double limitOf(const QString &text, bool isAlone)
+{
+    if (text.size() > notMany)
+        return cut;
+    if (std::none_of(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber(); }))
+        return isAlone ? cutOfSignsAlone : cutOfSigns;
+    if (!isAlone)
+        return text.size() <= few ? cutOfFew : cut;
+    const bool hasLetters = std::any_of(text.begin(), text.end(), [](QChar c) { return c.isLetter(); });
+    return hasLetters ? cutOfLettersAlone : cutOfFiguresAlone;
 }
 
 } // namespace
 
-float confidenceOf(const QString &text, double certainty)
+float confidenceOf(const QString &text, double certainty, bool isAlone)
 {
-    const double cut = text.size() >= minLong ? cutOfLong : cutOfShort;
-    const auto confidence = static_cast<float>(scaled(certainty, cut));
-    const bool onlySigns =
-        std::none_of(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber(); });
-    const bool tooShort = (onlySigns && text.size() <= 3 && certainty < minCertaintyOfSigns) ||
-                          (text.size() <= 2 && certainty < minCertaintyOfTwo);
-    return tooShort ? std::min(confidence, doubtful) : confidence;
+    return static_cast<float>(scaled(certainty, limitOf(text, isAlone)));
 }

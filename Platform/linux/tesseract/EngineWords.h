@@ -17,7 +17,7 @@ struct EngineSymbol {
 
 struct EngineWord {
     QString text;
-    double certainty = 0; // the engine's, 0 to 100
+    double certainty = 0; // 0 to 100, of its characters on average
     QRectF box;
     std::vector<EngineSymbol> symbols;
 };
@@ -26,4 +26,5 @@ struct EngineLine {
     QRectF box;
     std::vector<EngineWord> words; // from left to right
     double letterHeight = 0;       // of a capital about, 0 when unknown
+    bool isAlone = false;          // one or two pieces of ink far from any other text
 };

@@ -30,11 +30,11 @@ struct Gathered {
     }
 };
 
-RecognizedFragment fragmentOf(const Gathered &gathered, QSize picture)
+RecognizedFragment fragmentOf(const Gathered &gathered, bool isAlone, QSize picture)
 {
     const QRectF &box = gathered.box;
     return {gathered.text,
-            confidenceOf(gathered.text, gathered.certainty / static_cast<double>(gathered.length)),
+            confidenceOf(gathered.text, gathered.certainty / static_cast<double>(gathered.length), isAlone),
             QRectF(box.left() / picture.width(), 1 - box.bottom() / picture.height(),
                    box.width() / picture.width(), box.height() / picture.height())};
 }
@@ -51,13 +51,13 @@ std::vector<RecognizedFragment> makeFragments(const std::vector<EngineLine> &lin
             if (word.text.isEmpty())
                 continue;
             if (current.length > 0 && !current.isFollowedBy(word)) {
-                fragments.push_back(fragmentOf(std::exchange(current, {}), picture));
+                fragments.push_back(fragmentOf(std::exchange(current, {}), line.isAlone, picture));
                 current.height = line.letterHeight;
             }
             current.add(word);
         }
         if (current.length > 0)
-            fragments.push_back(fragmentOf(current, picture));
+            fragments.push_back(fragmentOf(current, line.isAlone, picture));
     }
     return fragments;
 }

@@ -38,7 +38,7 @@ std::vector<Piece> piecesOf(const BlobMap &map, const TextLine &line)
 bool hasIconShape(const PixelBox &box)
 {
     return box.width >= minSide && box.height >= minSide && box.width <= maxSide && box.height <= maxSide &&
-           4 * box.width >= 3 * box.height && 3 * box.width <= 5 * box.height;
+           4 * box.width >= 3 * box.height && 20 * box.width <= 27 * box.height;
 }
 
 // Height that text beside it has: of a capital, even where there are small letters only.
@@ -53,6 +53,25 @@ double heightOfText(const std::vector<Piece> &pieces, std::size_t except)
         return 0;
     std::sort(heights.begin(), heights.end());
     return std::max<double>(heights[heights.size() * 9 / 10], 1.35 * heights[heights.size() / 4]);
+}
+
+bool standsOff(const std::vector<Piece> &pieces, std::size_t number, double space)
+{
+    const PixelBox &box = pieces[number].box;
+    return (number == 0 || box.left - pieces[number - 1].box.right() >= space) &&
+           (number + 1 == pieces.size() || pieces[number + 1].box.left - box.right() >= space);
+}
+
+// Farther from text than words are from each other: then text may be as low as the picture's capitals, even
+// where touching letters make up pieces as high as a line.
+bool standsFarOff(const std::vector<Piece> &pieces, std::size_t number, int tallLetter)
+{
+    constexpr double minSpace = 1.1; // typewriter fonts have up to 1
+    constexpr double maxLine = 1.4;
+    int highest = 0;
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+        highest = i == number ? highest : std::max(highest, pieces[i].box.height);
+    return highest <= maxLine * tallLetter && standsOff(pieces, number, minSpace * tallLetter);
 }
 
 // No letter is a filled square.
@@ -97,7 +116,7 @@ bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter
     const PixelBox &box = pieces[number].box;
     if (!hasIconShape(box))
         return false;
-    const double text = heightOfText(pieces, number);
+    const double text = standsFarOff(pieces, number, tallLetter) ? 0 : heightOfText(pieces, number);
     if (box.height < minRatio * (text > 0 ? text : tallLetter))
         return false;
     if (isWithinText(pieces, number))
@@ -105,8 +124,34 @@ bool isIcon(const std::vector<Piece> &pieces, std::size_t number, int tallLetter
     // Between words an icon stands farther off than words do.
     const bool isBetween = number > 0 && number + 1 < pieces.size();
     const double space = (isBetween ? minGapBetween : minGap) * std::min(box.width, box.height);
-    return (number == 0 || box.left - pieces[number - 1].box.right() >= space) &&
-           (number + 1 == pieces.size() || pieces[number + 1].box.left - box.right() >= space);
+    return standsOff(pieces, number, space);
+}
+
+// Words without the white of a word between them.
+std::vector<Piece> clustersOf(const BlobMap &map, const TextLine &line)
+{
+    constexpr double maxGapWithin = 0.3; // of the height
+    std::vector<Piece> clusters;
+    for (const Piece &piece : piecesOf(map, line)) {
+        const bool isNear =
+            !clusters.empty() && piece.box.left - clusters.back().box.right() <=
+                                     maxGapWithin * std::max(piece.box.height, clusters.back().box.height);
+        if (!isNear) {
+            clusters.push_back(piece);
+            continue;
+        }
+        clusters.back().box = clusters.back().box.united(piece.box);
+        clusters.back().blobs.insert(clusters.back().blobs.end(), piece.blobs.begin(), piece.blobs.end());
+    }
+    return clusters;
+}
+
+// Several pieces that together are larger than text and far from it.
+bool isIconOfPieces(const std::vector<Piece> &clusters, std::size_t number, int tallLetter)
+{
+    const Piece &cluster = clusters[number];
+    return clusters.size() > 1 && cluster.blobs.size() > 1 && hasIconShape(cluster.box) &&
+           cluster.box.height >= minRatio * tallLetter && standsFarOff(clusters, number, tallLetter);
 }
 
 void takeOut(const std::vector<std::uint32_t> &blobs, BlobMap &map, TextLine &line)
@@ -137,6 +182,19 @@ void removeIcons(BlobMap &map, std::vector<TextLine> &lines)
         for (std::size_t i = 0; i < pieces.size(); ++i) {
             if (isSolid(map, pieces[i]) || isMenu(map, pieces[i]) || isIcon(pieces, i, tallLetter))
                 takeOut(pieces[i].blobs, map, line);
+        }
+    }
+    std::erase_if(lines, [](const TextLine &line) { return line.words.empty(); });
+}
+
+void removeIconsOfPieces(BlobMap &map, std::vector<TextLine> &lines)
+{
+    const int tallLetter = letterHeight(map.blobs, 0.75);
+    for (TextLine &line : lines) {
+        const std::vector<Piece> clusters = clustersOf(map, line);
+        for (std::size_t i = 0; i < clusters.size(); ++i) {
+            if (isIconOfPieces(clusters, i, tallLetter))
+                takeOut(clusters[i].blobs, map, line);
         }
     }
     std::erase_if(lines, [](const TextLine &line) { return line.words.empty(); });

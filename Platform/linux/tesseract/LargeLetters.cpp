@@ -8,6 +8,7 @@ namespace {
 
 constexpr int minHeight = 24;
 constexpr int maxHeight = 320;
+constexpr int maxEdges = 14; // pixels of soft edges, of the height: those of about seven strokes
 
 // Neither a filled box nor wide, and nowhere as thick as a panel of that height.
 bool hasLetterShape(const Region &region)
@@ -16,7 +17,7 @@ bool hasLetterShape(const Region &region)
     const double fill =
         static_cast<double>(region.area) / (static_cast<double>(box.width) * static_cast<double>(box.height));
     const bool isBar = 20 * box.width <= 9 * box.height;
-    return box.height >= minHeight && box.height <= maxHeight && 5 * box.width <= 8 * box.height &&
+    return canBeLargeLetter(box) && region.uneven <= maxEdges * box.height &&
            (isBar || (20 * region.square <= 9 * box.height && fill <= 0.78));
 }
 
@@ -40,6 +41,11 @@ bool standInOneRow(const PixelBox &a, const PixelBox &b)
 }
 
 } // namespace
+
+bool canBeLargeLetter(const PixelBox &box)
+{
+    return box.height >= minHeight && box.height <= maxHeight && 5 * box.width <= 8 * box.height;
+}
 
 void excludeLargeLetters(std::vector<Region> &regions)
 {

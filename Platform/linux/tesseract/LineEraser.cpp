@@ -123,15 +123,28 @@ EndsOfRules endsAt(const GreyPicture &erased, const PixelBox &box)
         return x >= 0 && y >= 0 && x < erased.width && y < erased.height &&
                erased.row(y)[static_cast<std::size_t>(x)] != 0;
     };
+    // A thick rule may begin above the box.
+    const auto beginsAt = [&](int x, int y) {
+        return isErased(x, y) && (y < box.top || !isErased(x, y - 1)) ? 1 : 0;
+    };
     EndsOfRules ends;
     for (int y = box.top - 1; y <= box.bottom(); ++y) {
-        ends.left += isErased(box.left - 1, y) && !isErased(box.left - 1, y - 1) ? 1 : 0;
-        ends.right += isErased(box.right(), y) && !isErased(box.right(), y - 1) ? 1 : 0;
+        ends.left += beginsAt(box.left - 1, y);
+        ends.right += beginsAt(box.right(), y);
     }
-    for (int x = box.left; x < box.right(); ++x) {
-        ends.above += isErased(x, box.top - 1) && !isErased(x - 1, box.top - 1) ? 1 : 0;
-        ends.below += isErased(x, box.bottom()) && !isErased(x - 1, box.bottom()) ? 1 : 0;
-    }
+    // A rule across that runs along the upper or lower side ends at none of the two.
+    const auto endsOn = [&](int y) {
+        int found = 0;
+        for (int x = box.left; x < box.right(); ++x) {
+            int width = 0;
+            while (width <= maxThickness && isErased(x + width, y))
+                ++width;
+            found += width > 0 && width <= maxThickness && !isErased(x - 1, y) ? 1 : 0;
+        }
+        return found;
+    };
+    ends.above = endsOn(box.top - 1);
+    ends.below = endsOn(box.bottom());
     return ends;
 }
 
@@ -150,7 +163,7 @@ GreyPicture eraseLines(GreyPicture &picture)
     return erased;
 }
 
-void findFrameParts(const GreyPicture &erased, BlobMap &map)
+void findFrameParts(GreyPicture erased, BlobMap &map)
 {
     constexpr int maxSide = 48;
     for (Blob &blob : map.blobs) {
@@ -158,7 +171,10 @@ void findFrameParts(const GreyPicture &erased, BlobMap &map)
             std::max(blob.box.width, blob.box.height) > maxSide)
             continue;
         const EndsOfRules ends = endsAt(erased, blob.box);
-        const bool isCrossed = (ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0);
+        const bool isCrossing = std::max(blob.box.width, blob.box.height) <= maxThickness + 1;
+        const bool isCrossed =
+            !isCrossing && ((ends.left > 0 && ends.right > 0) || (ends.above > 0 && ends.below > 0));
         blob.isText = isCrossed || ends.left + ends.right + ends.above + ends.below < 2;
     }
+    map.rules = std::move(erased);
 }

@@ -7,5 +7,6 @@
 // Left in, rules cost most of a table's text. Returns the marks (1) of what was erased.
 GreyPicture eraseLines(GreyPicture &picture);
 
-// Marks as no text what is left of them: round corners and short sides, which end where rules were erased.
-void findFrameParts(const GreyPicture &erased, BlobMap &map);
+// Marks as no text what is left of them: crossings, round corners and short sides, which end where rules were
+// erased.
+void findFrameParts(GreyPicture erased, BlobMap &map);

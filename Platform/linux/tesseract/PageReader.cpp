@@ -4,6 +4,7 @@
 #include "Platform/linux/tesseract/Fragments.h"
 #include "Platform/linux/tesseract/IconRemover.h"
 #include "Platform/linux/tesseract/LineEraser.h"
+#include "Platform/linux/tesseract/Overlays.h"
 #include "Platform/linux/tesseract/PagePictures.h"
 #include "Platform/linux/tesseract/PhotoNormalizer.h"
 #include "Platform/linux/tesseract/PictureKind.h"
@@ -59,6 +60,62 @@ bool isFaintRemnant(const GreyPicture &normalized, const TextBlock &block)
     return true;
 }
 
+struct Weight {
+    qsizetype length = 0; // characters
+    double certainty = 0; // summed over them
+
+    void add(const EngineWord &word)
+    {
+        length += word.text.size();
+        certainty += word.certainty * static_cast<double>(word.text.size());
+    }
+    [[nodiscard]] double average() const { return length > 0 ? certainty / static_cast<double>(length) : 0; }
+};
+
+void moveBy(EngineLine &line, int x, int y)
+{
+    line.box.translate(x, y);
+    for (EngineWord &word : line.words)
+        word.box.translate(x, y);
+}
+
+// Takes what was read in an overlay, unless it is doubtful or the same place was read better already.
+void preferOverlay(Lines &lines, EngineLine overlay)
+{
+    constexpr qsizetype minLength = 4;
+    constexpr double minCertainty = 98;
+    Weight now;
+    QRectF box;
+    for (const EngineWord &word : overlay.words) {
+        now.add(word);
+        box = box.united(word.box);
+    }
+    if (now.length < minLength || now.average() < minCertainty)
+        return;
+    const auto isThere = [&box](const EngineWord &word) { return box.contains(word.box.center()); };
+    Weight before;
+    for (const EngineLine &line : lines) {
+        for (const EngineWord &word : line.words) {
+            if (isThere(word))
+                before.add(word);
+        }
+    }
+    if (before.length >= now.length && before.average() >= now.average())
+        return;
+    for (EngineLine &line : lines)
+        std::erase_if(line.words, isThere);
+    lines.push_back(std::move(overlay));
+}
+
+bool isShort(const EngineLine &line)
+{
+    constexpr qsizetype fewCharacters = 3;
+    qsizetype length = 0;
+    for (const EngineWord &word : line.words)
+        length += word.text.size();
+    return length <= fewCharacters;
+}
+
 // One picture on its way through the stages.
 class PageRun {
 public:
@@ -71,16 +128,22 @@ public:
     // Absent when the time is over or the engine failed.
     std::optional<Lines> read()
     {
-        const double equalNeighbours = equalNeighbourShare(picture);
-        if (pictureKind(equalNeighbours, 1) == PictureKind::photo)
+        auto lines = readGround();
+        return lines ? readOverlays(std::move(*lines)) : lines;
+    }
+
+private:
+    std::optional<Lines> readGround()
+    {
+        const Evenness evenness = evennessOf(picture);
+        if (pictureKind(picture, evenness, 1) == PictureKind::photo)
             return readPhoto();
         const Surfaces surfaces = findSurfaces(picture);
-        if (pictureKind(equalNeighbours, surfaces.share) == PictureKind::photo)
+        if (pictureKind(picture, evenness, surfaces.share) == PictureKind::photo)
             return readPhoto();
         return readScreenshot(surfaces);
     }
 
-private:
     std::optional<Lines> readPhoto()
     {
         const GreyPicture even = normalizePhoto(picture);
@@ -95,17 +158,42 @@ private:
         show("normalized", normalized);
         if (isExpired())
             return std::nullopt;
-        const GreyPicture erased = eraseLines(normalized);
+        GreyPicture erased = eraseLines(normalized);
         show("without-lines", normalized);
         BlobMap map = findBlobs(normalized);
-        findFrameParts(erased, map);
+        findFrameParts(std::move(erased), map);
+        return readBlocks(normalized, map, findColumns(normalized, map));
+    }
+
+    // What programs wrote onto photographs, in place of what else was read there.
+    std::optional<Lines> readOverlays(Lines lines)
+    {
+        for (const Overlay &overlay : findOverlays(picture)) {
+            show("overlay", overlay.picture);
+            BlobMap map = findBlobs(overlay.picture);
+            std::vector<TextBlock> blocks = findColumns(overlay.picture, map);
+            std::erase_if(blocks, [](const TextBlock &block) { return block.blobs.size() < 4; });
+            auto read = readBlocks(overlay.picture, map, blocks);
+            if (!read)
+                return std::nullopt;
+            for (EngineLine &line : *read) {
+                moveBy(line, overlay.box.left, overlay.box.top);
+                preferOverlay(lines, std::move(line));
+            }
+        }
+        return lines;
+    }
+
+    std::vector<TextBlock> findColumns(const GreyPicture &normalized, BlobMap &map) const
+    {
         std::vector<TextLine> lines = findLines(map);
         removeIcons(map, lines);
         attachSmallParts(map, lines);
-        const std::vector<TextBlock> blocks = findBlocks(map, lines);
+        removeIconsOfPieces(map, lines);
+        std::vector<TextBlock> blocks = findBlocks(map, lines);
         if (onStage)
             onStage(QStringLiteral("blocks"), outlined(normalized, lines, blocks));
-        return readBlocks(normalized, map, blocks);
+        return blocks;
     }
 
     std::optional<Lines> readBlocks(const GreyPicture &normalized, const BlobMap &map,
@@ -140,8 +228,10 @@ private:
         if (!lines)
             return lines;
         correctSpacing(cut.picture, *lines);
+        const bool isAlone = std::all_of(lines->begin(), lines->end(), isShort);
         for (EngineLine &line : *lines) {
             line.letterHeight = 1.3 * block.letterHeight;
+            line.isAlone = isAlone;
             for (EngineWord &word : line.words)
                 word.box = cut.placeOf(word.box);
         }

@@ -8,9 +8,17 @@ enum class PictureKind {
     photo       // seen by a camera or a scanner: noise and uneven light
 };
 
-// Share of pixels that equal their right neighbour exactly. Measured: screenshots 0.87 to 1, stored as JPEG
-// still 0.73 and more; scans about 0.33; photos and noise below 0.2.
-[[nodiscard]] double equalNeighbourShare(const ColorPicture &picture);
+// How much of a picture has exactly one colour beside itself.
+struct Evenness {
+    // Share of pixels that equal their right neighbour. Measured: screenshots 0.87 to 1, stored as JPEG still
+    // 0.73 and more; scans about 0.33; photos and noise below 0.2; windows that show photos in between.
+    double equal = 1;
+    // Share of pixels in runs of at least 8 equal ones, which cameras and scanners do not see.
+    double flat = 1;
+};
+
+[[nodiscard]] Evenness evennessOf(const ColorPicture &picture);
 
 // surfaceShare: Surfaces::share of the same picture.
-[[nodiscard]] PictureKind pictureKind(double equalNeighbours, double surfaceShare);
+[[nodiscard]] PictureKind pictureKind(const ColorPicture &picture, const Evenness &evenness,
+                                      double surfaceShare);

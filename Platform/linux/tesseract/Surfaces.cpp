@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int colourTolerance = 2;
+constexpr int colourTolerance = 3;
 constexpr int minSquare = 8;
 constexpr std::size_t minArea = 300;
 
@@ -20,6 +20,17 @@ bool alike(std::uint32_t a, std::uint32_t b)
             return false;
     }
     return true;
+}
+
+// A label that is hardly higher than its text: wider and fuller than letters are.
+bool isLowLabel(const Region &region)
+{
+    constexpr int minHeight = 10;
+    constexpr int minCorner = 3;
+    const PixelBox &box = region.box;
+    const double boxArea = static_cast<double>(box.width) * static_cast<double>(box.height);
+    return box.height >= minHeight && 5 * box.width >= 9 * box.height && region.square >= minCorner &&
+           static_cast<double>(region.area) >= 0.5 * boxArea;
 }
 
 // Neighbours of one row that are alike.
@@ -131,13 +142,47 @@ private:
             }
         }
         for (Region &region : found)
-            region.isSurface = region.square >= minSquare && region.area >= minArea;
+            region.isSurface = (region.square >= minSquare && region.area >= minArea) || isLowLabel(region);
         return found;
+    }
+
+    // Pixels in a box that are on no surface.
+    int unevenPixels(const PixelBox &box, const std::vector<std::uint32_t> &rowStarts,
+                     const std::vector<Region> &found)
+    {
+        int uneven = 0;
+        for (int y = box.top; y < box.bottom(); ++y) {
+            const auto begin = runs.begin() + rowStarts[static_cast<std::size_t>(y)];
+            const auto end = runs.begin() + rowStarts[static_cast<std::size_t>(y) + 1];
+            for (auto run =
+                     std::partition_point(begin, end, [&box](const Run &r) { return r.end <= box.left; });
+                 run != end && run->begin < box.right(); ++run) {
+                if (!found[sets.root(static_cast<std::uint32_t>(run - runs.begin()))].isSurface)
+                    uneven += std::min(run->end, box.right()) - std::max(run->begin, box.left);
+            }
+        }
+        return uneven;
+    }
+
+    // A panel around a picture can have the shape of a letter, but the paper in and around a letter is even.
+    void measurePaper(const std::vector<std::uint32_t> &rowStarts, std::vector<Region> &found)
+    {
+        std::size_t budget = 4 * picture.pixels.size();
+        for (Region &region : found) {
+            const PixelBox &box = region.box;
+            const std::size_t cost =
+                static_cast<std::size_t>(box.width) * static_cast<std::size_t>(box.height);
+            if (!region.isSurface || !canBeLargeLetter(box) || cost > budget)
+                continue;
+            budget -= cost;
+            region.uneven = unevenPixels(box, rowStarts, found);
+        }
     }
 
     Surfaces mark(const std::vector<std::uint32_t> &rowStarts)
     {
         std::vector<Region> found = regions(rowStarts);
+        measurePaper(rowStarts, found);
         excludeLargeLetters(found);
         Surfaces result{GreyPicture(picture.width, picture.height, 0), 0};
         std::size_t total = 0;

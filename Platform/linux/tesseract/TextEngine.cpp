@@ -106,13 +106,17 @@ std::vector<EngineLine> TextEngine::collectLines()
         if (it->IsAtBeginningOf(tesseract::RIL_TEXTLINE) || lines.empty())
             lines.push_back({boxAt(*it, tesseract::RIL_TEXTLINE).value_or(*box), {}, 0});
         auto &words = lines.back().words;
+        // The figure of a whole word is its worst character's, and punishes what is in no dictionary.
         if (it->IsAtBeginningOf(tesseract::RIL_WORD) || words.empty())
             words.push_back({takeText(it->GetUTF8Text(tesseract::RIL_WORD)),
-                             it->Confidence(tesseract::RIL_WORD),
+                             0,
                              boxAt(*it, tesseract::RIL_WORD).value_or(*box),
                              {}});
-        words.back().symbols.push_back(
-            {takeText(it->GetUTF8Text(tesseract::RIL_SYMBOL)), box->left(), box->right()});
+        EngineWord &word = words.back();
+        const auto before = static_cast<double>(word.symbols.size());
+        const double certainty = it->Confidence(tesseract::RIL_SYMBOL);
+        word.certainty = (word.certainty * before + certainty) / (before + 1);
+        word.symbols.push_back({takeText(it->GetUTF8Text(tesseract::RIL_SYMBOL)), box->left(), box->right()});
     } while (it->Next(tesseract::RIL_SYMBOL));
     return lines;
 }

@@ -25,10 +25,25 @@ bool canBeLetter(const Blob &blob)
            box.width <= maxLetterAspect * box.height && box.height <= maxLetterAspect * box.width;
 }
 
-// Frames and pictures: much larger than letters, with several letters inside.
-std::vector<bool> findFrames(const std::vector<Blob> &blobs, int letterHeight)
+// Whether all of a blob lies along the sides of its box, as a frame with round corners does.
+bool isHollow(const BlobMap &map, std::uint32_t number)
+{
+    const PixelBox &box = map.blobs[number].box;
+    const int band = std::max(3, 3 * std::min(box.width, box.height) / 20);
+    for (int y = box.top + band; y < box.bottom() - band; ++y) {
+        const auto row = map.labels.begin() + static_cast<std::ptrdiff_t>(y) * map.width;
+        if (std::find(row + box.left + band, row + box.right() - band, number + 1) !=
+            row + box.right() - band)
+            return false;
+    }
+    return true;
+}
+
+// Frames and pictures: much larger than letters, with several letters inside, or hollow around anything.
+std::vector<bool> findFrames(const BlobMap &map, int letterHeight)
 {
     constexpr int minLettersInside = 4;
+    const std::vector<Blob> &blobs = map.blobs;
     std::vector<bool> frames(blobs.size(), false);
     std::vector<PixelBox> boxes;
     boxes.reserve(blobs.size());
@@ -46,15 +61,32 @@ std::vector<bool> findFrames(const std::vector<Blob> &blobs, int letterHeight)
                 o.top > box.top && o.bottom() < box.bottom())
                 ++inside;
         });
-        frames[i] = inside >= minLettersInside;
+        frames[i] = inside >= minLettersInside || (inside > 0 && isHollow(map, i));
     }
     return frames;
 }
 
-// Joins boxes that stand beside each other, with at most `gapLimit(a, b)` pixels between them.
+// Whether a rule down runs between two boxes, as it does between the cells of a table.
+bool isRuleBetween(const GreyPicture &rules, const PixelBox &left, const PixelBox &right)
+{
+    if (rules.pixels.empty())
+        return false;
+    const int top = std::max(left.top, right.top);
+    const int bottom = std::min(left.bottom(), right.bottom());
+    for (int x = left.right(); x < right.left; ++x) {
+        int y = top;
+        while (y < bottom && rules.row(y)[static_cast<std::size_t>(x)] != 0)
+            ++y;
+        if (y == bottom && top < bottom)
+            return true;
+    }
+    return false;
+}
+
+// Joins boxes that stand beside each other, with at most `gapLimit(a, b)` pixels and no rule between them.
 template <typename Limit>
 std::vector<std::vector<std::uint32_t>> joinNeighbours(const std::vector<PixelBox> &boxes,
-                                                       const Limit &gapLimit)
+                                                       const GreyPicture &rules, const Limit &gapLimit)
 {
     const BoxIndex index(boxes);
     DisjointSets sets(boxes.size());
@@ -67,7 +99,7 @@ std::vector<std::vector<std::uint32_t>> joinNeighbours(const std::vector<PixelBo
             if (other == i || o.left < box.left ||
                 box.sharedRows(o) < minSharedRows * std::min(box.height, o.height))
                 return;
-            if (o.left - box.right() <= gapLimit(box, o))
+            if (o.left - box.right() <= gapLimit(box, o) && !isRuleBetween(rules, box, o))
                 sets.join(i, other);
         });
     }
@@ -96,8 +128,9 @@ std::vector<TextWord> findWords(const BlobMap &map, const std::vector<std::uint3
     boxes.reserve(letters.size());
     for (const std::uint32_t letter : letters)
         boxes.push_back(map.blobs[letter].box);
-    const auto groups = joinNeighbours(
-        boxes, [](const PixelBox &a, const PixelBox &b) { return std::max(1.0, wordGap * gapHeight(a, b)); });
+    const auto groups = joinNeighbours(boxes, map.rules, [](const PixelBox &a, const PixelBox &b) {
+        return std::max(1.0, wordGap * gapHeight(a, b));
+    });
     std::vector<TextWord> words;
     for (const auto &group : groups) {
         TextWord word{boxes[group.front()], {}};
@@ -118,13 +151,13 @@ int reachingHeight(int height, int tallLetter)
 }
 
 // Joins the lines that stand near each other.
-std::vector<TextLine> joinedLines(std::vector<TextLine> pieces, int tallLetter)
+std::vector<TextLine> joinedLines(std::vector<TextLine> pieces, const GreyPicture &rules, int tallLetter)
 {
     std::vector<PixelBox> boxes;
     boxes.reserve(pieces.size());
     for (const TextLine &piece : pieces)
         boxes.push_back(piece.box);
-    const auto groups = joinNeighbours(boxes, [tallLetter](const PixelBox &a, const PixelBox &b) {
+    const auto groups = joinNeighbours(boxes, rules, [tallLetter](const PixelBox &a, const PixelBox &b) {
         return lineGap * reachingHeight(gapHeight(a, b), tallLetter);
     });
     std::vector<TextLine> lines;
@@ -267,7 +300,7 @@ int letterHeight(const std::vector<Blob> &blobs, double share)
 
 std::vector<TextLine> findLines(const BlobMap &map)
 {
-    const std::vector<bool> frames = findFrames(map.blobs, letterHeight(map.blobs));
+    const std::vector<bool> frames = findFrames(map, letterHeight(map.blobs));
     std::vector<std::uint32_t> letters;
     for (std::uint32_t i = 0; i < map.blobs.size(); ++i) {
         if (canBeLetter(map.blobs[i]) && !frames[i])
@@ -276,7 +309,7 @@ std::vector<TextLine> findLines(const BlobMap &map)
     std::vector<TextLine> lines;
     for (TextWord &word : findWords(map, letters))
         lines.push_back({word.box, {std::move(word)}});
-    return joinedLines(std::move(lines), letterHeight(map.blobs, tallShare));
+    return joinedLines(std::move(lines), map.rules, letterHeight(map.blobs, tallShare));
 }
 
 void attachSmallParts(const BlobMap &map, std::vector<TextLine> &lines)
@@ -300,5 +333,5 @@ void attachSmallParts(const BlobMap &map, std::vector<TextLine> &lines)
         for (const TextWord &word : line.words)
             line.box = line.box.united(word.box);
     }
-    lines = joinedLines(std::move(lines), tallLetter);
+    lines = joinedLines(std::move(lines), map.rules, tallLetter);
 }

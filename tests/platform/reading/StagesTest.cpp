@@ -2,6 +2,7 @@
 #include "Platform/linux/tesseract/Fragments.h"
 #include "Platform/linux/tesseract/IconRemover.h"
 #include "Platform/linux/tesseract/LineEraser.h"
+#include "Platform/linux/tesseract/Overlays.h"
 #include "Platform/linux/tesseract/PagePictures.h"
 #include "Platform/linux/tesseract/PictureKind.h"
 #include "Platform/linux/tesseract/SurfaceNormalizer.h"
@@ -102,6 +103,28 @@ TEST(SurfaceNormalizer, StrokesOfLargeHeadingsAreNoSurfaces)
     EXPECT_EQ(surfaces.marks.row(10)[10], 1);
 }
 
+TEST(SurfaceNormalizer, LowLabelsAndPanelsAroundPicturesAreSurfaces)
+{
+    QImage image(500, 300, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.fillRect(QRect(20, 20, 60, 14), QColor("#d73a4a"));
+    for (int x = 27; x < 73; x += 6)
+        painter.fillRect(QRect(x, 23, 2, 8), Qt::white);
+    for (const int left : {20, 260}) {
+        painter.fillRect(QRect(left, 60, 220, 200), QColor("#eeeeee"));
+        for (int y = 68; y < 190; y += 2) // as uneven as a photograph
+            for (int x = left + 8; x < left + 212; x += 2)
+                painter.fillRect(QRect(x, y, 2, 2), QColor((x * 7) % 255, (y * 13) % 255, (x * y) % 255));
+    }
+    painter.end();
+    const Surfaces surfaces = findSurfaces(colorPicture(image));
+    EXPECT_EQ(surfaces.marks.row(26)[23], 1);
+    EXPECT_EQ(surfaces.marks.row(26)[27], 0);
+    EXPECT_EQ(surfaces.marks.row(230)[100], 1);
+    EXPECT_EQ(surfaces.marks.row(230)[400], 1);
+}
+
 TEST(LineEraser, RulesGoAndLettersThatCrossThemStay)
 {
     const PixelBox rule{10, 60, 120, 2};
@@ -112,6 +135,47 @@ TEST(LineEraser, RulesGoAndLettersThatCrossThemStay)
     EXPECT_EQ(picture.row(30)[10], 255);
     EXPECT_EQ(picture.row(61)[42], 0) << "below the rule the letter goes on";
     EXPECT_EQ(picture.row(25)[42], 0);
+}
+
+TEST(LineEraser, RulesPartTheCellsBesideThemAndFramesAreNoLetters)
+{
+    std::vector<PixelBox> table = together({word(20, 20, 3), word(54, 20, 3)});
+    table.push_back({46, 4, 1, 60}); // between the two, which stand near each other
+    table.push_back({4, 4, 100, 1});
+    // A button whose corners are left where the rules between them go.
+    for (const PixelBox &part :
+         {PixelBox{150, 80, 60, 2}, {150, 106, 60, 2}, {148, 82, 2, 24}, {210, 82, 2, 24}})
+        table.push_back(part);
+    const std::vector<PixelBox> label = word(162, 90, 4);
+    table.insert(table.end(), label.begin(), label.end());
+    GreyPicture picture = inked({240, 120}, table);
+    GreyPicture erased = eraseLines(picture);
+    BlobMap map = findBlobs(picture);
+    findFrameParts(std::move(erased), map);
+    std::vector<PixelBox> found;
+    for (const TextLine &line : findLines(map))
+        found.push_back(line.box);
+    EXPECT_THAT(found, testing::UnorderedElementsAre(PixelBox{20, 20, 22, 10}, PixelBox{54, 20, 22, 10},
+                                                     PixelBox{162, 90, 30, 10}));
+}
+
+TEST(Overlays, WritingOnAPhotographIsFoundByItsColour)
+{
+    QImage image(320, 240, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb(60 + (x * 7 + y * 3) % 30, 40 + (x * y) % 20, 30 + (x + y * 11) % 25));
+    }
+    EXPECT_TRUE(findOverlays(colorPicture(image)).empty());
+    for (const PixelBox &letter : together({word(100, 100, 12), word(100, 120, 12)})) {
+        for (int y = letter.top; y < letter.bottom(); ++y)
+            image.setPixel(letter.left, y, qRgb(255, 235, 59));
+    }
+    const std::vector<Overlay> overlays = findOverlays(colorPicture(image));
+    ASSERT_EQ(overlays.size(), 1U);
+    const PixelBox &box = overlays.front().box;
+    EXPECT_EQ(overlays.front().picture.row(105 - box.top)[static_cast<std::size_t>(108 - box.left)], 0);
+    EXPECT_EQ(overlays.front().picture.row(105 - box.top)[static_cast<std::size_t>(104 - box.left)], 255);
 }
 
 TEST(TextBlocks, ColumnsAreFoundAndIconsAreNot)
@@ -135,7 +199,7 @@ TEST(TextBlocks, ColumnsAreFoundAndIconsAreNot)
 TEST(Fragments, WideGapsSplitALineAndBoxesCountFromBelow)
 {
     const auto at = [](const QString &text, double left, double width) {
-        return EngineWord{text, 96, QRectF(left, 20, width, 10), {}};
+        return EngineWord{text, 99, QRectF(left, 20, width, 10), {}};
     };
     const EngineLine line{{}, {at(u"una"_s, 10, 30), at(u"riga"_s, 45, 30), at(u"9,50"_s, 120, 40)}, 0};
     const auto fragments = makeFragments({line}, QSize(200, 100));
@@ -152,16 +216,18 @@ TEST(ConfidenceScale, WhatIsMoreLikelyWrongStaysBelowTheCut)
     struct {
         QString text;
         double certainty;
+        bool isAlone;
         bool passes;
-    } const cases[] = {{u"parola"_s, 96, true},     {u"parola"_s, 60, true},      {u"parola"_s, 55, false},
-                       {u"una parola"_s, 50, true}, {u"una parola"_s, 40, false}, {u"Q"_s, 70, false},
-                       {u"Q"_s, 90, true},          {u"=-"_s, 80, false},         {u"=-"_s, 90, true},
-                       {u"parola"_s, -5, false}};
+    } const cases[] = {{u"parola"_s, 99, false, true},  {u"parola"_s, 96, false, false},
+                       {u"parola"_s, 97.5, true, true}, {u"parola"_s, -5, false, false},
+                       {u"Q"_s, 98.5, false, true},     {u"Q"_s, 98.5, true, false},
+                       {u"12"_s, 98.5, true, true},     {u"=-"_s, 98.5, false, true},
+                       {u"=-"_s, 99, true, false},      {u"}"_s, 97.5, false, false}};
     for (const auto &one : cases)
-        EXPECT_EQ(confidenceOf(one.text, one.certainty) >= 0.3F, one.passes)
+        EXPECT_EQ(confidenceOf(one.text, one.certainty, one.isAlone) >= 0.3F, one.passes)
             << one.text.toStdString() << one.certainty;
-    EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100), 1);
-    EXPECT_GE(confidenceOf(u"parola"_s, -5), 0);
+    EXPECT_FLOAT_EQ(confidenceOf(u"parola"_s, 100, false), 1);
+    EXPECT_GE(confidenceOf(u"parola"_s, -5, false), 0);
 }
 
 } // namespace
