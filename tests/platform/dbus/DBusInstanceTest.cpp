@@ -160,6 +160,16 @@ TEST_P(DesktopCallTest, TheDesktopReachesTheFirstInstanceUnderTheProgramsName)
               "org.freedesktop.DBus.Error.InvalidArgs");
 }
 
+TEST_P(DesktopCallTest, WhoHasNoDisplayReachesItToo)
+{
+    environment.insert("DISPLAY", ":7");
+    const auto first = startFirst();
+    environment.remove("DISPLAY");
+    environment.remove("WAYLAND_DISPLAY");
+    EXPECT_EQ(ask("toggle"), "answered");
+    EXPECT_EQ(first->nextLine(), "toggle");
+}
+
 class HostileTest : public InstanceTest {
 protected:
     QString socketPath() const
