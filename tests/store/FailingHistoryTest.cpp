@@ -11,10 +11,11 @@ namespace {
 
 // A history of one clip, "uno".
 class FailingHistory : public ::testing::Test {
-protected:
+public:
     FailingHistory() { history.add("uno"); }
     ~FailingHistory() override { setrlimit(RLIMIT_FSIZE, &noLimit); }
 
+protected:
     static rlimit fileSizeLimit()
     {
         rlimit limit = {};
