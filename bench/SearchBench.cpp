@@ -58,7 +58,7 @@ struct Case {
 
 bool benchSearch(int count, int runs)
 {
-    const QTemporaryDir scratch(QStringLiteral("/dev/shm/bench-XXXXXX"));
+    const QTemporaryDir scratch(QStringLiteral("/dev/shm/bench"));
     const QTemporaryDir fallback;
     const QString folder = scratch.isValid() ? scratch.path() : fallback.path();
     fillHistory(folder, count);

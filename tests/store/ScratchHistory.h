@@ -72,7 +72,7 @@ struct ScratchHistory {
     // In memory where possible: hundreds of copies would wait for the disk one by one.
     static QString scratchTemplate()
     {
-        return (QFileInfo("/dev/shm").isWritable() ? "/dev/shm" : QDir::tempPath()) + "/store-XXXXXX";
+        return (QFileInfo("/dev/shm").isWritable() ? "/dev/shm" : QDir::tempPath()) + "/store";
     }
 
     LogLines log;
