@@ -108,8 +108,10 @@ bool SelectionServer::answer(Offer &offer, const xcb_selection_request_event_t &
     if (form == offer.forms.end())
         return false;
     form->content.convert(); // once: all transfers share the bytes
-    given.push_back(form->target);
-    return send(key, form->type, form->content.format, form->content.bytes, now);
+    const bool sent = send(key, form->type, form->content.format, form->content.bytes, now);
+    if (sent)
+        given.push_back(form->target);
+    return sent;
 }
 
 // The property holds pairs of target and property; where a target is refused, its property becomes None.
